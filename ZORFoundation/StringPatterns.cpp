@@ -1,0 +1,113 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <ZORFoundation/StringPatterns.h>
+
+#include <ZORPlatform/Foundation/NSException.h>
+#include <ZORPlatform/Foundation/NSRegularExpression.h>
+#include <ZORPlatform/Foundation/Precondition.h>
+#include <ZORPlatform/Foundation/Text.h>
+
+#include <algorithm>
+#include <iterator>
+
+namespace ZORFoundation::StringExtension {
+namespace {
+
+// The characters of a text as they are once its spaces are gone.
+class CharactersWithoutSpaces {
+public:
+    explicit CharactersWithoutSpaces(std::u16string_view text) noexcept : rest_(text) { skipSpaces(); }
+    CharactersWithoutSpaces(const CharactersWithoutSpaces&) = delete;
+    CharactersWithoutSpaces& operator=(const CharactersWithoutSpaces&) = delete;
+
+    [[nodiscard]] bool isEmpty() const noexcept { return rest_.empty(); }
+
+    /// The next character; lives as long as this object and the text.
+    [[nodiscard]] std::u16string_view next() {
+        if (rest_.size() > 1 && standsAlone(rest_[0]) && standsAlone(rest_[1]) && rest_[1] != u' ') return taken(1);
+        std::size_t end = ZORPlatform::characterEnd(rest_, 0);
+        if (aSpaceKeepsMoreFromJoining(end)) {
+            removeSpaces();
+            end = ZORPlatform::characterEnd(rest_, 0);
+        }
+        const std::u16string_view character = taken(end);
+        skipSpaces();
+        return character;
+    }
+
+private:
+    // Whether a unit is a character of its own beside others of the kind.
+    static bool standsAlone(char16_t unit) noexcept { return unit < ZORPlatform::kFirstCombining && unit != u'\r'; }
+
+    std::u16string_view taken(std::size_t units) noexcept {
+        const std::u16string_view result = rest_.substr(0, units);
+        rest_.remove_prefix(units);
+        return result;
+    }
+
+    void skipSpaces() noexcept { rest_.remove_prefix(std::min(rest_.find_first_not_of(u' '), rest_.size())); }
+
+    // Whether the character that ends at `end` might be a longer one without the spaces in it or behind it.
+    [[nodiscard]] bool aSpaceKeepsMoreFromJoining(std::size_t end) const noexcept {
+        const std::size_t space = rest_.substr(0, end + 2).find(u' ');
+        if (space == std::u16string_view::npos) return false;
+        if (space < end) return true;
+        const std::size_t behind = rest_.find_first_not_of(u' ', space);
+        if (behind == std::u16string_view::npos) return false;
+        // Of ASCII, only LF ever belongs to what stands before it.
+        if (space == end) return rest_[behind] >= 0x80 || rest_[behind] == u'\n';
+        // Half a surrogate pair, whose other half the space keeps away.
+        return rest_[end] >= 0xD800 && rest_[end] < 0xDC00;
+    }
+
+    void removeSpaces() {
+        std::remove_copy(rest_.begin(), rest_.end(), std::back_inserter(withoutSpaces_), u' ');
+        rest_ = withoutSpaces_;
+    }
+
+    std::u16string withoutSpaces_;  // What rest_ views once removeSpaces() has run, which it does at most once.
+    std::u16string_view rest_;
+};
+
+}  // namespace
+
+std::u16string formatTextWithPattern(std::u16string_view text, std::u16string_view pattern,
+                                     std::u16string_view formattingCharacter) {
+    CharactersWithoutSpaces characters(text);
+    if (characters.isEmpty() || pattern.empty()) return std::u16string(text);
+
+    std::u16string result;
+    // Room for characters of two units in every slot.
+    result.reserve(pattern.size() + std::min(pattern.size(), text.size()));
+    while (!pattern.empty() && !characters.isEmpty()) {
+        const std::u16string_view mark = pattern.substr(0, ZORPlatform::characterEnd(pattern, 0));
+        result += ZORPlatform::canonicallyEqual(mark, formattingCharacter) ? characters.next() : mark;
+        pattern.remove_prefix(mark.size());
+    }
+    return result;
+}
+
+std::vector<std::u16string> zor_patternMatches(std::u16string_view text, std::u16string_view for_) {
+    std::vector<std::u16string> groups;
+    const auto expression = ZORPlatform::NSRegularExpression::regularExpressionWithPattern(for_);
+    if (!expression) return groups;
+
+    const bool isComplete =
+        expression->enumerateMatchesInString(text, [&](std::span<const ZORPlatform::NSRange> match) {
+            if (match.size() == 1) {
+                ZORPlatform::preconditionFailure(
+                    "zor_patternMatches(for:): the pattern needs at least one capture group");
+            }
+            for (const ZORPlatform::NSRange& group : match.subspan(1)) {
+                if (group.location == ZORPlatform::NSNotFound) {
+                    throw ZORPlatform::NSException(
+                        u"NSRangeException", u"zor_patternMatches(for:): a capture group takes no part in a match");
+                }
+                groups.emplace_back(text.substr(group.location, group.length));
+            }
+            return true;
+        });
+    if (!isComplete) groups.clear();
+    return groups;
+}
+
+}  // namespace ZORFoundation::StringExtension

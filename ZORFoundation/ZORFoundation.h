@@ -1,0 +1,53 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+// Everything that the library offers, for applications. A source of the library's own includes what it needs.
+
+#include <ZORFoundation/Concurrency/CallbackList.h>
+#include <ZORFoundation/Concurrency/Future.h>
+#include <ZORFoundation/Concurrency/FutureCallbacks.h>
+#include <ZORFoundation/Concurrency/FutureCore.h>
+#include <ZORFoundation/Concurrency/FutureSupport.h>
+#include <ZORFoundation/Concurrency/FutureValue.h>
+#include <ZORFoundation/Concurrency/Promise.h>
+#include <ZORFoundation/Concurrency/SpareBlocks.h>
+#include <ZORFoundation/Concurrency/Unit.h>
+#include <ZORFoundation/DataExtension.h>
+#include <ZORFoundation/DataStreams.h>
+#include <ZORFoundation/DecimalNumberExtension.h>
+#include <ZORFoundation/ErrorHandling/ErrorMappers/XUNErrorMapper.h>
+#include <ZORFoundation/ErrorHandling/ErrorMappers/ZORErrorMapper.h>
+#include <ZORFoundation/ErrorHandling/ErrorMappers/ZORUrlDomainErrorMapper.h>
+#include <ZORFoundation/ErrorHandling/ErrorMappers/ZORWebSealErrorMapper.h>
+#include <ZORFoundation/ErrorHandling/ErrorMapping.h>
+#include <ZORFoundation/ErrorHandling/Extensions/ErrorFormatting.h>
+#include <ZORFoundation/ErrorHandling/ZORError.h>
+#include <ZORFoundation/ErrorHandling/ZORErrorHandler.h>
+#include <ZORFoundation/Explanation.h>
+#include <ZORFoundation/PlistCore/ZORPlistController.h>
+#include <ZORFoundation/RawValue.h>
+#include <ZORFoundation/ResultStorage.h>
+#include <ZORFoundation/Security/CommonCryptoErrorDomain.h>
+#include <ZORFoundation/StringAmounts.h>
+#include <ZORFoundation/StringChecks.h>
+#include <ZORFoundation/StringPatterns.h>
+#include <ZORFoundation/Text.h>
+#include <ZORFoundation/Validation/InputValidator.h>
+#include <ZORFoundation/ZORAESCrypt.h>
+#include <ZORFoundation/ZORAccessNumberValidator.h>
+#include <ZORFoundation/ZORAccountNumberFormatter.h>
+#include <ZORFoundation/ZORAccountNumberValidator.h>
+#include <ZORFoundation/ZORAmountFormatter.h>
+#include <ZORFoundation/ZORApplicationCode.h>
+#include <ZORFoundation/ZORBase64.h>
+#include <ZORFoundation/ZORCardNumberFormatter.h>
+#include <ZORFoundation/ZORChallengeResponseFormatter.h>
+#include <ZORFoundation/ZORCommentFormatter.h>
+#include <ZORFoundation/ZORCommentValidator.h>
+#include <ZORFoundation/ZORHash.h>
+#include <ZORFoundation/ZORMD5Hash.h>
+#include <ZORFoundation/ZORMod97.h>
+#include <ZORFoundation/ZORNationalRegistrationNumberValidator.h>
+#include <ZORFoundation/ZORNumberFormatters.h>
+#include <ZORFoundation/ZORPhoneNumberFormatter.h>
+#include <ZORFoundation/ZORResult.h>

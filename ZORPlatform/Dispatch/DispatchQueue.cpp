@@ -1,0 +1,148 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <ZORPlatform/Dispatch/DispatchQueue.h>
+
+#include <ZORPlatform/Dispatch/DispatchPool.h>
+#include <ZORPlatform/Foundation/Precondition.h>
+
+#include <cstddef>
+#include <deque>
+#include <mutex>
+#include <utility>
+#include <vector>
+
+namespace ZORPlatform {
+namespace {
+
+// Works run in one turn before jobs of other queues are let in.
+constexpr std::size_t kWorksInTurn = 128;
+// Room for works kept by a serial queue between turns.
+constexpr std::size_t kKeptRoom = 256;
+
+class SerialQueue final : public DispatchTarget, PoolJob, public std::enable_shared_from_this<SerialQueue> {
+public:
+    explicit SerialQueue(std::u16string_view label) : label_(label) {}
+
+    void async(DispatchWork work) override {
+        {
+            const std::scoped_lock lock(mutex_);
+            pending_.push_back(std::move(work));
+            if (self_ != nullptr) return;
+            self_ = shared_from_this();
+        }
+        DispatchPool::submit(*this);
+    }
+
+    [[nodiscard]] std::u16string label() const override { return label_; }
+
+private:
+    void runTurn() noexcept override {
+        std::size_t share = kWorksInTurn;
+        for (;;) {
+            while (next_ < batch_.size()) {
+                if (share == 0) {
+                    share = kWorksInTurn;
+                    if (DispatchPool::hasReadyJobs()) return DispatchPool::submit(*this);
+                }
+                --share;
+                // Moved out so that what it holds goes as soon as it has run.
+                DispatchWork work = std::move(batch_[next_++]);
+                work();
+            }
+            next_ = 0;
+            batch_.clear();
+            // Destroyed after the lock: this may be the last handle.
+            std::shared_ptr<SerialQueue> self;
+            const std::scoped_lock lock(mutex_);
+            if (pending_.empty()) {
+                if (batch_.capacity() > kKeptRoom) std::vector<DispatchWork>().swap(batch_);
+                self = std::move(self_);
+                return;
+            }
+            batch_.swap(pending_);
+        }
+    }
+
+    const std::u16string label_;
+    std::mutex mutex_;
+    std::vector<DispatchWork> pending_;  ///< Guarded by the mutex.
+    /// Guarded by the mutex. Held while there is work or a turn is due: by it the queue outlives its handles.
+    std::shared_ptr<SerialQueue> self_;
+    // What the turns work off. One turn follows another, so nothing guards it.
+    std::vector<DispatchWork> batch_;
+    std::size_t next_ = 0;
+};
+
+class ConcurrentQueue final : public DispatchTarget, PoolJob, public std::enable_shared_from_this<ConcurrentQueue> {
+public:
+    explicit ConcurrentQueue(std::u16string_view label) : label_(label) {}
+
+    void async(DispatchWork work) override {
+        {
+            const std::scoped_lock lock(mutex_);
+            pending_.push_back(std::move(work));
+            if (self_ != nullptr) return;
+            self_ = shared_from_this();
+        }
+        DispatchPool::submit(*this);
+    }
+
+    [[nodiscard]] std::u16string label() const override { return label_; }
+
+private:
+    void runTurn() noexcept override {
+        // Destroyed after the lock: this may be the last handle.
+        std::shared_ptr<ConcurrentQueue> self;
+        std::unique_lock lock(mutex_);
+        self = std::move(self_);
+        for (std::size_t share = kWorksInTurn; !pending_.empty(); --share) {
+            if (share == 0) return submitForRest(lock);
+            {
+                DispatchWork work = std::move(pending_.front());
+                pending_.pop_front();
+                submitForRest(lock);
+                work();
+            }
+            lock.lock();
+        }
+    }
+
+    /// Lets another worker have what is left, and releases the lock.
+    void submitForRest(std::unique_lock<std::mutex>& lock) {
+        const bool submits = !pending_.empty() && self_ == nullptr;
+        if (submits) self_ = shared_from_this();
+        lock.unlock();
+        if (submits) DispatchPool::submit(*this);
+    }
+
+    const std::u16string label_;
+    std::mutex mutex_;
+    std::deque<DispatchWork> pending_;       ///< Guarded by the mutex.
+    std::shared_ptr<ConcurrentQueue> self_;  ///< Guarded by the mutex. Held while a turn is due.
+};
+
+}  // namespace
+
+DispatchTarget::~DispatchTarget() = default;
+
+std::u16string DispatchTarget::label() const { return {}; }
+
+DispatchQueue::DispatchQueue(std::shared_ptr<DispatchTarget> target) : target_(std::move(target)) {
+    if (target_ == nullptr) preconditionFailure("DispatchQueue: the target must not be null");
+}
+
+DispatchQueue DispatchQueue::serial(std::u16string_view label) {
+    return DispatchQueue(std::make_shared<SerialQueue>(label));
+}
+
+DispatchQueue DispatchQueue::concurrent(std::u16string_view label) {
+    return DispatchQueue(std::make_shared<ConcurrentQueue>(label));
+}
+
+void DispatchQueue::async(DispatchWork work) const {
+    if (!work) preconditionFailure("DispatchQueue async: the work must not be empty");
+    target_->async(std::move(work));
+}
+
+std::u16string DispatchQueue::label() const { return target_->label(); }
+
+}  // namespace ZORPlatform

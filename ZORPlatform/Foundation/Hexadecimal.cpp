@@ -1,0 +1,93 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <ZORPlatform/Foundation/Hexadecimal.h>
+
+#include <ZORPlatform/Foundation/TextAssembly.h>
+
+#if defined(__x86_64__)
+#include <immintrin.h>
+#endif
+
+#include <algorithm>
+#include <string_view>
+
+namespace ZORPlatform {
+namespace {
+
+constexpr std::string_view digitsOf(HexDigits digits) noexcept {
+    return digits == HexDigits::kLowerCase ? "0123456789abcdef" : "0123456789ABCDEF";
+}
+
+void encodePortable(const std::uint8_t* bytes, std::size_t count, HexDigits digits, char16_t* text) {
+    const std::string_view table = digitsOf(digits);
+    for (std::size_t i = 0; i < count; ++i) {
+        text[2 * i] = static_cast<char16_t>(table[bytes[i] >> 4]);
+        text[2 * i + 1] = static_cast<char16_t>(table[bytes[i] & 0xF]);
+    }
+}
+
+#if defined(__x86_64__)
+
+[[gnu::target("ssse3")]] void encodeSSSE3(const std::uint8_t* bytes, std::size_t count, HexDigits digits,
+                                          char16_t* text) {
+    const __m128i table = _mm_loadu_si128(reinterpret_cast<const __m128i*>(digitsOf(digits).data()));
+    const __m128i lowHalf = _mm_set1_epi8(0xF);
+    const __m128i zero = _mm_setzero_si128();
+    std::size_t i = 0;
+    for (; i + 16 <= count; i += 16) {
+        const __m128i in = _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes + i));
+        const __m128i high = _mm_shuffle_epi8(table, _mm_and_si128(_mm_srli_epi16(in, 4), lowHalf));
+        const __m128i low = _mm_shuffle_epi8(table, _mm_and_si128(in, lowHalf));
+        const __m128i first = _mm_unpacklo_epi8(high, low);
+        const __m128i second = _mm_unpackhi_epi8(high, low);
+        auto* out = reinterpret_cast<__m128i*>(text + 2 * i);
+        _mm_storeu_si128(out, _mm_unpacklo_epi8(first, zero));
+        _mm_storeu_si128(out + 1, _mm_unpackhi_epi8(first, zero));
+        _mm_storeu_si128(out + 2, _mm_unpacklo_epi8(second, zero));
+        _mm_storeu_si128(out + 3, _mm_unpackhi_epi8(second, zero));
+    }
+    encodePortable(bytes + i, count - i, digits, text + 2 * i);
+}
+
+[[gnu::target("avx2")]] void encodeAVX2(const std::uint8_t* bytes, std::size_t count, HexDigits digits,
+                                        char16_t* text) {
+    const __m256i table =
+        _mm256_broadcastsi128_si256(_mm_loadu_si128(reinterpret_cast<const __m128i*>(digitsOf(digits).data())));
+    const __m256i lowHalf = _mm256_set1_epi32(0xF);
+    // A set top bit makes the shuffle write zero: the upper byte of each unit.
+    const __m256i upperBytes = _mm256_set1_epi16(static_cast<short>(0x8000));
+    std::size_t i = 0;
+    for (; i + 8 <= count; i += 8) {
+        const __m256i in = _mm256_cvtepu8_epi32(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(bytes + i)));
+        const __m256i halves =
+            _mm256_or_si256(_mm256_srli_epi32(in, 4), _mm256_slli_epi32(_mm256_and_si256(in, lowHalf), 16));
+        _mm256_storeu_si256(reinterpret_cast<__m256i*>(text + 2 * i),
+                            _mm256_shuffle_epi8(table, _mm256_or_si256(halves, upperBytes)));
+    }
+    encodePortable(bytes + i, count - i, digits, text + 2 * i);
+}
+
+#endif
+
+}  // namespace
+
+HexEncoder hexEncoder([[maybe_unused]] VectorLevel level) noexcept {
+#if defined(__x86_64__)
+    if (level >= VectorLevel::kAVX2) return encodeAVX2;
+    if (level >= VectorLevel::kSSSE3) return encodeSSSE3;
+#endif
+    return encodePortable;
+}
+
+std::u16string hexText(std::span<const std::uint8_t> bytes, HexDigits digits) {
+    static const HexEncoder encode = hexEncoder(machineVectorLevel());
+    constexpr std::size_t kPieceBytes = TextAssembly::kChunkUnits / 2;
+    TextAssembly text(2 * bytes.size());
+    while (!bytes.empty()) {
+        const auto piece = bytes.first(std::min(bytes.size(), kPieceBytes));
+        encode(piece.data(), piece.size(), digits, text.room(2 * piece.size()));
+        bytes = bytes.subspan(piece.size());
+    }
+    return text.finish();
+}
+
+}  // namespace ZORPlatform

@@ -1,0 +1,194 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <ZORPlatform/Foundation/NSFileManager.h>
+
+#include <ZORPlatform/Foundation/SystemCallsInternal.h>
+
+#include <fcntl.h>
+#include <sys/random.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <chrono>
+#include <system_error>
+
+namespace ZORPlatform {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr mode_t kModeOfNewFiles = 0666;
+constexpr mode_t kPrivateMode = 0600;
+constexpr mode_t kPermissionBits = 07777;
+
+bool namesAFile(const fs::path& path) noexcept {
+    return !path.empty() && path.native().find('\0') == std::string::npos;
+}
+
+/// An open file, read only: nobody has to know whether closing it succeeds.
+class Descriptor {
+public:
+    explicit Descriptor(int number) noexcept : number_(number) {}
+    ~Descriptor() {
+        if (number_ >= 0) systemCalls().close(number_);
+    }
+    Descriptor(const Descriptor&) = delete;
+    Descriptor& operator=(const Descriptor&) = delete;
+
+    [[nodiscard]] bool isOpen() const noexcept { return number_ >= 0; }
+    [[nodiscard]] int number() const noexcept { return number_; }
+
+private:
+    int number_;
+};
+
+bool writeAll(int descriptor, std::span<const std::uint8_t> bytes) {
+    while (!bytes.empty()) {
+        const ssize_t written = systemCalls().write(descriptor, bytes.data(), bytes.size());
+        if (written < 0 && errno == EINTR) continue;
+        if (written <= 0) return false;
+        bytes = bytes.subspan(static_cast<std::size_t>(written));
+    }
+    return true;
+}
+
+// Some file systems have no durable directories to offer and say so with EINVAL.
+bool syncDirectory(const fs::path& directory) {
+    Descriptor descriptor(systemCalls().open(directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC, 0));
+    if (!descriptor.isOpen()) return false;
+    return systemCalls().fsync(descriptor.number()) == 0 || errno == EINVAL;
+}
+
+// Not made from the target's name, which may be as long as a name can be.
+std::string temporaryName() {
+    std::array<std::uint8_t, 8> random{};
+    if (getrandom(random.data(), random.size(), 0) != static_cast<ssize_t>(random.size())) return {};
+    std::string name = ".zor-";
+    for (const std::uint8_t byte : random) {
+        name.push_back(static_cast<char>('a' + byte % 16));
+        name.push_back(static_cast<char>('a' + byte / 16));
+    }
+    return name;
+}
+
+/// A new file beside its target, gone again unless it takes the target's place.
+class TemporaryFile {
+public:
+    TemporaryFile(const fs::path& directory, mode_t mode) : path_(directory / temporaryName()) {
+        descriptor_ = systemCalls().open(path_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode);
+    }
+    ~TemporaryFile() {
+        if (descriptor_ < 0) return;
+        if (!closed_) systemCalls().close(descriptor_);
+        if (!placed_) systemCalls().unlink(path_.c_str());
+    }
+    TemporaryFile(const TemporaryFile&) = delete;
+    TemporaryFile& operator=(const TemporaryFile&) = delete;
+
+    [[nodiscard]] bool isOpen() const noexcept { return descriptor_ >= 0; }
+    bool setMode(mode_t mode) { return systemCalls().fchmod(descriptor_, mode) == 0; }
+    bool fill(std::span<const std::uint8_t> bytes) {
+        if (!writeAll(descriptor_, bytes) || systemCalls().fsync(descriptor_) != 0) return false;
+        closed_ = true;
+        return systemCalls().close(descriptor_) == 0;
+    }
+    bool place(const fs::path& target) {
+        placed_ = systemCalls().rename(path_.c_str(), target.c_str()) == 0;
+        return placed_;
+    }
+
+private:
+    fs::path path_;
+    int descriptor_;
+    bool closed_ = false;
+    bool placed_ = false;
+};
+
+std::optional<mode_t> modeOf(const fs::path& path) {
+    struct stat status {};
+    if (::stat(path.c_str(), &status) != 0) return std::nullopt;
+    return status.st_mode & kPermissionBits;
+}
+
+bool replace(const fs::path& target, std::span<const std::uint8_t> bytes, mode_t modeOfNew) {
+    fs::path directory = target.parent_path();
+    if (directory.empty()) directory = ".";
+    const std::optional<mode_t> oldMode = modeOf(target);
+    TemporaryFile temporary(directory, oldMode ? kPrivateMode : modeOfNew);
+    // The mode comes before the content: what was private is never readable in between.
+    return temporary.isOpen() && (!oldMode || temporary.setMode(*oldMode)) && temporary.fill(bytes) &&
+           temporary.place(target) && syncDirectory(directory);
+}
+
+}  // namespace
+
+bool NSFileManager::fileExistsAtPath(const fs::path& path) {
+    struct stat status {};
+    return namesAFile(path) && ::stat(path.c_str(), &status) == 0;
+}
+
+bool NSFileManager::removeItemAtPath(const fs::path& path) {
+    if (!namesAFile(path)) return false;
+    std::error_code error;
+    const std::uintmax_t removed = fs::remove_all(path, error);
+    return !error && removed > 0;
+}
+
+std::optional<std::vector<std::uint8_t>> NSFileManager::contentsAtPath(const fs::path& path) {
+    if (!namesAFile(path)) return std::nullopt;
+    // Opening a pipe without O_NONBLOCK would wait for somebody to write to it.
+    const Descriptor descriptor(systemCalls().open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK, 0));
+    struct stat status {};
+    if (!descriptor.isOpen() || ::fstat(descriptor.number(), &status) != 0 || !S_ISREG(status.st_mode)) {
+        return std::nullopt;
+    }
+    // One byte more than it says, so that the end is seen in the same call; files that grow meanwhile are read on.
+    std::vector<std::uint8_t> bytes(static_cast<std::size_t>(status.st_size) + 1);
+    std::size_t size = 0;
+    while (true) {
+        const ssize_t count = ::read(descriptor.number(), bytes.data() + size, bytes.size() - size);
+        if (count < 0 && errno == EINTR) continue;
+        if (count < 0) return std::nullopt;
+        if (count == 0) break;
+        size += static_cast<std::size_t>(count);
+        if (size == bytes.size()) bytes.resize(2 * size);
+    }
+    bytes.resize(size);
+    return bytes;
+}
+
+bool NSFileManager::writeAtomically(const fs::path& path, std::span<const std::uint8_t> bytes) {
+    if (!namesAFile(path)) return false;
+    std::error_code error;
+    if (!fs::is_symlink(fs::symlink_status(path, error))) return replace(path, bytes, kModeOfNewFiles);
+    const fs::path destination = fs::weakly_canonical(path, error);
+    return !error && replace(destination, bytes, kModeOfNewFiles);
+}
+
+void NSFileManager::copyAside(const fs::path& file, const fs::path& directory, std::size_t keep) {
+    const std::optional<std::vector<std::uint8_t>> bytes = contentsAtPath(file);
+    if (!bytes) return;
+    std::error_code error;
+    if (fs::create_directories(directory, error)) fs::permissions(directory, fs::perms::owner_all, error);
+
+    // Names sort by age: nanoseconds since 1970 have nineteen digits until the year 2286.
+    const auto now = std::chrono::system_clock::now().time_since_epoch();
+    const std::string prefix = file.filename().string() + ".";
+    const std::string name = prefix + std::to_string(std::chrono::nanoseconds(now).count());
+    if (!replace(directory / name, *bytes, kPrivateMode)) return;
+
+    std::vector<fs::path> copies;
+    for (fs::directory_iterator entry(directory, error), end; !error && entry != end; entry.increment(error)) {
+        const std::string other = entry->path().filename().string();
+        if (other.size() == name.size() && other.starts_with(prefix) &&
+            other.find_first_not_of("0123456789", prefix.size()) == std::string::npos) {
+            copies.push_back(entry->path());
+        }
+    }
+    std::sort(copies.rbegin(), copies.rend());
+    for (std::size_t i = keep; i < copies.size(); ++i) fs::remove(copies[i], error);
+}
+
+}  // namespace ZORPlatform

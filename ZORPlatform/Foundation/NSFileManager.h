@@ -1,0 +1,47 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+// Whole files: read, written so that a crash cannot halve them, removed.
+
+#include <cstdint>
+#include <filesystem>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace ZORPlatform {
+
+/// Files by their path. A path with U+0000 or an empty one stands for nothing that exists. Thread-safe.
+class NSFileManager {
+public:
+    NSFileManager() = delete;
+
+    /// `fileExistsAtPath:`: follows symbolic links; a dangling link does not exist.
+    [[nodiscard]] static bool fileExistsAtPath(const std::filesystem::path& path);
+
+    /// `removeItemAtPath:error:`: a file, a link itself, or a directory with its content. @return whether it is gone
+    [[nodiscard]] static bool removeItemAtPath(const std::filesystem::path& path);
+
+    /// `contentsAtPath:`: the bytes of a regular file; `std::nullopt` when it cannot be read whole or is none, so that
+    /// a pipe never blocks the caller.
+    [[nodiscard]] static std::optional<std::vector<std::uint8_t>> contentsAtPath(const std::filesystem::path& path);
+
+    /// `writeToFile:atomically:`
+    ///
+    /// Writes a temporary file in the same directory, makes it durable, and puts it in the target's place. The mode of
+    /// a replaced file is kept; a new one gets 0666 less the umask. A symbolic link at the target stays, and what it
+    /// leads to is replaced. At every moment the old content or the new one is there, whole.
+    ///
+    /// @return whether the new content is there and durable. When it is false no temporary file is left, and the old
+    ///         content is untouched, unless only the last step failed: making the directory durable.
+    [[nodiscard]] static bool writeAtomically(const std::filesystem::path& path, std::span<const std::uint8_t> bytes);
+
+    /// Copies a regular file to a new one of mode 0600 in `directory`, which is made with mode 0700 where it is
+    /// missing. Of earlier copies of the same file the `keep` - 1 newest stay. Fails silently: the copy is a
+    /// precaution.
+    static void copyAside(const std::filesystem::path& file, const std::filesystem::path& directory, std::size_t keep);
+};
+
+}  // namespace ZORPlatform

@@ -1,0 +1,72 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+// A queue of operations: starts each as soon as its dependencies have finished and there is room.
+//
+//     const NSOperationQueue queue;
+//     queue.addOperation(login);
+//     queue.addOperation(refresh);     // depends on login
+//     queue.waitUntilAllOperationsAreFinished();
+
+#include <ZORPlatform/Dispatch/DispatchWork.h>
+#include <ZORPlatform/Export.h>
+#include <ZORPlatform/Foundation/NSOperation.h>
+
+#include <cstddef>
+#include <memory>
+#include <vector>
+
+namespace ZORPlatform {
+
+class OperationQueueCore;
+
+/// A handle on a queue, cheap to copy: every copy is the same queue, and two are equal when they are. Operations
+/// already added still run when the last handle is gone.
+///
+/// Operations are started on the shared pool of threads (see DispatchQueue), by priority and then in the order of
+/// adding, as they become ready. An exception that leaves `start` or `main` there ends the process.
+///
+/// Thread-safe.
+class ZOR_EXPORT NSOperationQueue {
+public:
+    /// A queue without operations, its width chosen by the system.
+    NSOperationQueue();
+
+    /// `addOperation:`
+    ///
+    /// Adds an operation and keeps it alive until it has finished. Raises `NSException` named
+    /// "NSInvalidArgumentException" when it executes, has finished, or is or was in a queue already. Stops the process
+    /// when `operation` is null or is not held by the shared pointer it was made with.
+    void addOperation(std::shared_ptr<NSOperation> operation) const;
+
+    /// `addOperationWithBlock:`: a block operation with this one block.
+    void addOperationWithBlock(DispatchWork block) const;
+
+    /// `operations`: those that have not finished, in the order of adding.
+    [[nodiscard]] std::vector<std::shared_ptr<NSOperation>> operations() const;
+    /// `operationCount`
+    [[nodiscard]] std::size_t operationCount() const;
+
+    /// `cancelAllOperations`: sends `cancel` to each.
+    void cancelAllOperations() const;
+
+    /// `waitUntilAllOperationsAreFinished`: returns once no operation has been left, at once when there is none.
+    /// Completion blocks may still run. Never returns when called by an operation of this queue.
+    void waitUntilAllOperationsAreFinished() const;
+
+    /// `NSOperationQueueDefaultMaxConcurrentOperationCount`: the system chooses.
+    static constexpr int kDefaultMaxConcurrentOperationCount = -1;
+
+    /// `maxConcurrentOperationCount`
+    [[nodiscard]] int maxConcurrentOperationCount() const;
+    /// `setMaxConcurrentOperationCount:`: how many operations may execute at the same time from now on; those that
+    /// execute go on. 0 starts none. Raises `NSException` named "NSInvalidArgumentException" below -1.
+    void setMaxConcurrentOperationCount(int count) const;
+
+    friend bool operator==(const NSOperationQueue&, const NSOperationQueue&) noexcept = default;
+
+private:
+    std::shared_ptr<OperationQueueCore> core_;
+};
+
+}  // namespace ZORPlatform

@@ -1,0 +1,39 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <ZORPlatform/Foundation/NSString.h>
+
+#include <algorithm>
+#include <charconv>
+#include <limits>
+
+namespace ZORPlatform {
+
+std::int64_t longLongValue(std::u16string_view text) noexcept {
+    std::size_t at = 0;
+    while (at < text.size() && isSkippedBeforeNumber(text[at])) ++at;
+    const bool negative = at < text.size() && text[at] == u'-';
+    if (at < text.size() && (text[at] == u'-' || text[at] == u'+')) ++at;
+
+    // Gathered below zero, where one more value fits than above.
+    constexpr std::int64_t kLowest = std::numeric_limits<std::int64_t>::min();
+    std::int64_t value = 0;
+    for (; at < text.size() && text[at] >= u'0' && text[at] <= u'9'; ++at) {
+        const int digit = text[at] - u'0';
+        if (value < (kLowest + digit) / 10) return negative ? kLowest : std::numeric_limits<std::int64_t>::max();
+        value = value * 10 - digit;
+    }
+    if (negative) return value;
+    return value == kLowest ? std::numeric_limits<std::int64_t>::max() : -value;
+}
+
+std::int32_t intValue(std::u16string_view text) noexcept {
+    return static_cast<std::int32_t>(std::clamp<std::int64_t>(
+        longLongValue(text), std::numeric_limits<std::int32_t>::min(), std::numeric_limits<std::int32_t>::max()));
+}
+
+std::u16string decimalText(std::int64_t value) {
+    char digits[20];
+    const auto [end, status] = std::to_chars(digits, digits + sizeof digits, value);
+    return {digits, end};
+}
+
+}  // namespace ZORPlatform

@@ -1,0 +1,87 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+// What stands behind the handles of an operation queue: which operations it has, which of them are ready, and who
+// starts the next.
+//
+// The queue is a job of the pool of threads. It asks for a turn when there is a ready operation and room under its
+// width; a worker with a turn starts operations one after the other until there is neither, and asks for a further
+// turn while it still sees both, so that as many workers join as there is work for. An operation that is finished
+// makes room from whatever thread announces it.
+
+#include <ZORPlatform/Dispatch/DispatchPool.h>
+#include <ZORPlatform/Foundation/NSOperation.h>
+
+#include <array>
+#include <condition_variable>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <mutex>
+#include <vector>
+
+namespace ZORPlatform {
+
+/// Ready operations of one priority, in the order in which they were added to the queue. Not guarded by itself.
+class ReadyOperations {
+public:
+    [[nodiscard]] NSOperation* first() const noexcept;
+    void insert(NSOperation& operation);
+    void remove(NSOperation& operation) noexcept;
+
+private:
+    [[nodiscard]] static bool isLater(const NSOperation* left, const NSOperation* right) noexcept;
+
+    // Most operations become ready in the order of adding and are linked up. One that is late, since it waited for a
+    // dependency while operations added after it became ready, goes to the heap.
+    NSOperation* head_ = nullptr;
+    NSOperation* tail_ = nullptr;
+    std::vector<NSOperation*> late_;
+};
+
+/// Thread-safe. Calls nothing of the caller's with the mutex held.
+class OperationQueueCore final : public PoolJob, public std::enable_shared_from_this<OperationQueueCore> {
+public:
+    /// Raises the exception of `addOperation`.
+    void add(std::shared_ptr<NSOperation> operation);
+
+    /// A waiting operation has become ready. Others are ignored.
+    void makeReady(NSOperation& operation);
+
+    /// The operation is over. @return what retained it
+    [[nodiscard]] std::shared_ptr<NSOperation> remove(NSOperation& operation);
+
+    [[nodiscard]] std::vector<std::shared_ptr<NSOperation>> operations() const;
+    [[nodiscard]] std::size_t operationCount() const;
+    void waitUntilAllOperationsAreFinished();
+
+    [[nodiscard]] int maxConcurrentOperationCount() const;
+    void setMaxConcurrentOperationCount(int count);
+
+private:
+    static constexpr std::size_t kPriorities = 5;
+
+    void runTurn() noexcept override;
+    [[nodiscard]] std::shared_ptr<NSOperation> startNext() noexcept;
+    void postpone(NSOperation& operation);
+    void enterReady(NSOperation& operation);
+    [[nodiscard]] bool canStartOne() const noexcept;
+    [[nodiscard]] bool takesTurn() noexcept;
+
+    mutable std::mutex mutex_;
+    std::condition_variable emptied_;
+    NSOperation* first_ = nullptr;
+    NSOperation* last_ = nullptr;
+    std::size_t count_ = 0;
+    std::uint64_t timesEmptied_ = 0;
+    std::uint64_t lastOrder_ = 0;
+    std::array<ReadyOperations, kPriorities> lanes_;
+    std::size_t readyCount_ = 0;
+    /// Operations started and not finished.
+    std::size_t running_ = 0;
+    int width_ = -1;
+    /// Held while a turn is due.
+    std::shared_ptr<OperationQueueCore> self_;
+};
+
+}  // namespace ZORPlatform

@@ -1,0 +1,200 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <ZORPlatform/Foundation/Text.h>
+
+#include <ZORPlatform/Foundation/Precondition.h>
+
+#include <unicode/brkiter.h>
+#include <unicode/locid.h>
+#include <unicode/normalizer2.h>
+#include <unicode/uchar.h>
+#include <unicode/unistr.h>
+#include <unicode/ustring.h>
+#include <unicode/utext.h>
+
+#include <algorithm>
+#include <array>
+#include <cstdint>
+#include <cstring>
+#include <memory>
+
+namespace ZORPlatform {
+namespace {
+
+// Decimal digits come in runs of ten; these are the zeros. Kept here so that a rule about digits needs no ICU.
+constexpr std::array<char32_t, 68> kDecimalZeros = {
+    0x0030,  0x0660,  0x06F0,  0x07C0,  0x0966,  0x09E6,  0x0A66,  0x0AE6,  0x0B66,  0x0BE6,  0x0C66,  0x0CE6,
+    0x0D66,  0x0DE6,  0x0E50,  0x0ED0,  0x0F20,  0x1040,  0x1090,  0x17E0,  0x1810,  0x1946,  0x19D0,  0x1A80,
+    0x1A90,  0x1B50,  0x1BB0,  0x1C40,  0x1C50,  0xA620,  0xA8D0,  0xA900,  0xA9D0,  0xA9F0,  0xAA50,  0xABF0,
+    0xFF10,  0x104A0, 0x10D30, 0x11066, 0x110F0, 0x11136, 0x111D0, 0x112F0, 0x11450, 0x114D0, 0x11650, 0x116C0,
+    0x11730, 0x118E0, 0x11950, 0x11C50, 0x11D50, 0x11DA0, 0x11F50, 0x16A60, 0x16AC0, 0x16B50, 0x1D7CE, 0x1D7D8,
+    0x1D7E2, 0x1D7EC, 0x1D7F6, 0x1E140, 0x1E2F0, 0x1E4F0, 0x1E950, 0x1FBF0};
+
+icu::BreakIterator& characterBreaks() {
+    thread_local const std::unique_ptr<icu::BreakIterator> iterator = [] {
+        UErrorCode status = U_ZERO_ERROR;
+        std::unique_ptr<icu::BreakIterator> made(
+            icu::BreakIterator::createCharacterInstance(icu::Locale::getRoot(), status));
+        if (U_FAILURE(status)) preconditionFailure("characterEnd: ICU's data for character boundaries is missing");
+        return made;
+    }();
+    return *iterator;
+}
+
+// The rules look at most at one character's own units once `begin` is a boundary, so the text before it is not
+// shown to ICU. Hence also: two lone regional indicators pair up from `begin` on, as they do from a boundary.
+std::size_t segmentedCharacterEnd(std::u16string_view text, std::size_t begin) {
+    const std::u16string_view rest = text.substr(begin, 1U << 30);
+    UErrorCode status = U_ZERO_ERROR;
+    UText view = UTEXT_INITIALIZER;
+    utext_openUChars(&view, rest.data(), static_cast<std::int64_t>(rest.size()), &status);
+    icu::BreakIterator& breaks = characterBreaks();
+    breaks.setText(&view, status);
+    breaks.first();
+    const std::int32_t end = breaks.next();
+    utext_close(&view);
+    return end > 0 ? begin + static_cast<std::size_t>(end) : text.size();
+}
+
+// Whether the scalar stays with a plain unit before it; nothing else there needs the full rules.
+bool joinsPlainUnit(char32_t scalar) noexcept {
+    switch (u_getIntPropertyValue(static_cast<UChar32>(scalar), UCHAR_GRAPHEME_CLUSTER_BREAK)) {
+        case U_GCB_EXTEND:
+        case U_GCB_ZWJ:
+        case U_GCB_SPACING_MARK:
+            return true;
+        default:
+            return false;
+    }
+}
+
+// Below these units only ASCII letters have another case.
+constexpr char16_t kFirstWithUpperCase = u'\u00B5';
+constexpr char16_t kFirstWithLowerCase = u'\u00C0';
+
+bool allBelow(std::u16string_view text, char16_t limit) noexcept {
+    return std::all_of(text.begin(), text.end(), [limit](char16_t unit) { return unit < limit; });
+}
+
+std::u16string toString(const icu::UnicodeString& text) {
+    return {text.getBuffer(), static_cast<std::size_t>(text.length())};
+}
+
+icu::UnicodeString readOnlyAlias(std::u16string_view text) {
+    return {false, text.data(), static_cast<std::int32_t>(text.size())};
+}
+
+}  // namespace
+
+std::size_t characterEndByRules(std::u16string_view text, std::size_t begin) {
+    if (text[begin] < kFirstCombining && !joinsPlainUnit(scalarAt(text, begin + 1).scalar)) return begin + 1;
+    return segmentedCharacterEnd(text, begin);
+}
+
+std::size_t characterCount(std::u16string_view text) {
+    std::size_t count = 0;
+    for (std::size_t at = 0; at < text.size(); at = characterEnd(text, at)) ++count;
+    return count;
+}
+
+std::optional<std::size_t> characterPosition(std::u16string_view text, std::size_t index) {
+    std::size_t at = 0;
+    for (; index > 0; --index) {
+        if (at == text.size()) return std::nullopt;
+        at = characterEnd(text, at);
+    }
+    return at;
+}
+
+std::size_t characterIndex(std::u16string_view text, std::size_t position) {
+    // Where characters end up to `position` depends on nothing behind the scalar that stands there.
+    text = text.substr(0, position + 2);
+    std::size_t plain = 0;
+    while (plain < position && text[plain] < kFirstCombining && text[plain] != u'\r') ++plain;
+    if (plain == position && (position == text.size() || text[position] < kFirstCombining)) return position;
+    // The last plain unit may begin a longer character, so the rules take over there.
+    std::size_t index = plain > 0 ? plain - 1 : 0;
+    for (std::size_t at = index; at < text.size(); ++index) {
+        at = characterEnd(text, at);
+        if (at > position) break;
+    }
+    return index;
+}
+
+bool canonicallyEqualByForms(std::u16string_view left, std::u16string_view right) {
+    if (left == right) return true;
+    const auto isPlain = [](char16_t unit) { return unit < kFirstDecomposable; };
+    if (std::all_of(left.begin(), left.end(), isPlain) && std::all_of(right.begin(), right.end(), isPlain)) {
+        return false;
+    }
+    UErrorCode status = U_ZERO_ERROR;
+    const icu::Normalizer2* decompose = icu::Normalizer2::getNFDInstance(status);
+    const icu::UnicodeString leftForm = decompose->normalize(readOnlyAlias(left), status);
+    const icu::UnicodeString rightForm = decompose->normalize(readOnlyAlias(right), status);
+    return U_SUCCESS(status) && leftForm == rightForm;
+}
+
+void appendScalar(std::u16string& text, char32_t scalar) {
+    if (scalar < 0x10000) {
+        text.push_back(static_cast<char16_t>(scalar));
+    } else {
+        text.push_back(static_cast<char16_t>(0xD7C0 + (scalar >> 10)));
+        text.push_back(static_cast<char16_t>(0xDC00 + (scalar & 0x3FF)));
+    }
+}
+
+void uppercase(std::u16string& text) {
+    // Four units at a time, as lanes of a word. Adding the distance to a bound sets a lane's highest bit from there on.
+    constexpr std::uint64_t kEveryLane = 0x0001'0001'0001'0001;
+    constexpr std::uint64_t kHighest = 0x8000 * kEveryLane;
+    const auto from = [](char16_t bound) { return kHighest - bound * kEveryLane; };
+    std::size_t at = 0;
+    for (; at + 4 <= text.size(); at += 4) {
+        std::uint64_t word = 0;
+        std::memcpy(&word, &text[at], sizeof word);
+        if ((((word + from(kFirstWithUpperCase)) | word) & kHighest) != 0) break;
+        const std::uint64_t areSmall = (word + from(u'a')) & ~(word + from(u'z' + 1)) & kHighest;
+        word -= areSmall >> 10;
+        std::memcpy(&text[at], &word, sizeof word);
+    }
+    for (; at < text.size() && text[at] < kFirstWithUpperCase; ++at) {
+        if (text[at] >= u'a' && text[at] <= u'z') text[at] = static_cast<char16_t>(text[at] - 0x20);
+    }
+    // Capitals stay as they are, so what is done already does not matter.
+    if (at < text.size()) text = toString(icu::UnicodeString(readOnlyAlias(text)).toUpper(icu::Locale::getRoot()));
+}
+
+std::u16string uppercased(std::u16string_view text) {
+    std::u16string result(text);
+    uppercase(result);
+    return result;
+}
+
+UppercasedUnit uppercased(char16_t unit) noexcept {
+    UppercasedUnit result;
+    UErrorCode status = U_ZERO_ERROR;
+    result.count = static_cast<std::size_t>(
+        u_strToUpper(result.units.data(), static_cast<std::int32_t>(result.units.size()), &unit, 1, "", &status));
+    return result;
+}
+
+std::u16string lowercased(std::u16string_view text) {
+    if (allBelow(text, kFirstWithLowerCase)) {
+        std::u16string result(text);
+        for (char16_t& unit : result) {
+            if (unit >= u'A' && unit <= u'Z') unit = static_cast<char16_t>(unit + 0x20);
+        }
+        return result;
+    }
+    return toString(icu::UnicodeString(readOnlyAlias(text)).toLower(icu::Locale::getRoot()));
+}
+
+bool isLetter(char32_t scalar) noexcept {
+    return (U_GET_GC_MASK(static_cast<UChar32>(scalar)) & (U_GC_L_MASK | U_GC_M_MASK)) != 0;
+}
+
+bool isDecimalDigit(char32_t scalar) noexcept {
+    const auto* const above = std::upper_bound(kDecimalZeros.begin(), kDecimalZeros.end(), scalar);
+    return above != kDecimalZeros.begin() && scalar - *(above - 1) < 10;
+}
+
+}  // namespace ZORPlatform

@@ -1,0 +1,221 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <ZORPlatform/Foundation/Utf.h>
+
+#include <ZORPlatform/Foundation/Text.h>
+
+#include <unicode/ustring.h>
+#include <unicode/utf8.h>
+
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
+
+#include <algorithm>
+#include <cstdint>
+#include <cstring>
+
+namespace ZORPlatform {
+namespace {
+
+constexpr UChar32 kReplacement = 0xFFFD;
+
+// ICU counts in int32_t; longer texts are taken in pieces that end where a character may end.
+constexpr std::size_t kPieceBytes = std::size_t{1} << 29;
+
+std::size_t asciiPrefix(std::string_view bytes) noexcept {
+    std::size_t n = 0;
+    for (; n + 8 <= bytes.size(); n += 8) {
+        std::uint64_t word = 0;
+        std::memcpy(&word, bytes.data() + n, 8);
+        if ((word & 0x8080808080808080U) != 0) break;
+    }
+    while (n < bytes.size() && static_cast<unsigned char>(bytes[n]) < 0x80) ++n;
+    return n;
+}
+
+std::size_t asciiPrefix(std::u16string_view text) noexcept {
+    std::size_t n = 0;
+    for (; n + 4 <= text.size(); n += 4) {
+        std::uint64_t word = 0;
+        std::memcpy(&word, text.data() + n, 8);
+        if ((word & 0xFF80FF80FF80FF80U) != 0) break;
+    }
+    while (n < text.size() && text[n] < 0x80) ++n;
+    return n;
+}
+
+// The longest beginning of at most kPieceBytes that does not end inside a sequence of continuation bytes.
+std::string_view firstPiece(std::string_view bytes) noexcept {
+    if (bytes.size() <= kPieceBytes) return bytes;
+    std::size_t end = kPieceBytes;
+    for (int back = 0; back < 3 && U8_IS_TRAIL(static_cast<std::uint8_t>(bytes[end])); ++back) --end;
+    return bytes.substr(0, end);
+}
+
+std::u16string_view firstPiece(std::u16string_view text) noexcept {
+    if (text.size() <= kPieceBytes) return text;
+    return text.substr(0, U16_IS_TRAIL(text[kPieceBytes]) ? kPieceBytes - 1 : kPieceBytes);
+}
+
+// Copies the ASCII units that `text` begins with, at most `room`, as bytes.
+std::size_t copyAsciiPrefix(std::u16string_view text, char* bytes, std::size_t room) noexcept {
+    const std::size_t limit = std::min(text.size(), room);
+    std::size_t n = 0;
+#if defined(__SSE2__)
+    const __m128i above = _mm_set1_epi16(static_cast<short>(0xFF80));
+    for (; n + 16 <= limit; n += 16) {
+        const auto* units = reinterpret_cast<const __m128i*>(text.data() + n);
+        const __m128i first = _mm_loadu_si128(units);
+        const __m128i second = _mm_loadu_si128(units + 1);
+        const __m128i odd = _mm_and_si128(_mm_or_si128(first, second), above);
+        if (_mm_movemask_epi8(_mm_cmpeq_epi8(odd, _mm_setzero_si128())) != 0xFFFF) break;
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(bytes + n), _mm_packus_epi16(first, second));
+    }
+#endif
+    for (; n < limit && text[n] < 0x80; ++n) bytes[n] = static_cast<char>(text[n]);
+    return n;
+}
+
+// Writes a scalar of up to U+10FFFF. @return the end of what was written; nullptr when there is no room
+char* writeScalar(char32_t scalar, char* begin, const char* end) noexcept {
+    const auto unit = [](char32_t lead, char32_t bits) { return static_cast<char>(lead | bits); };
+    const auto trail = [](char32_t bits) { return static_cast<char>(0x80 | (bits & 0x3F)); };
+    const std::ptrdiff_t room = end - begin;
+    if (scalar < 0x80) {
+        if (room < 1) return nullptr;
+        *begin++ = static_cast<char>(scalar);
+    } else if (scalar < 0x800) {
+        if (room < 2) return nullptr;
+        *begin++ = unit(0xC0, scalar >> 6);
+        *begin++ = trail(scalar);
+    } else if (scalar < 0x10000) {
+        if (room < 3) return nullptr;
+        *begin++ = unit(0xE0, scalar >> 12);
+        *begin++ = trail(scalar >> 6);
+        *begin++ = trail(scalar);
+    } else {
+        if (room < 4) return nullptr;
+        *begin++ = unit(0xF0, scalar >> 18);
+        *begin++ = trail(scalar >> 12);
+        *begin++ = trail(scalar >> 6);
+        *begin++ = trail(scalar);
+    }
+    return begin;
+}
+
+struct Utf8Conversion {
+    std::string bytes;
+    bool wellFormed;
+};
+
+Utf8Conversion convertToUtf8(std::u16string_view text) {
+    const std::size_t ascii = asciiPrefix(text);
+    Utf8Conversion result{std::string(ascii + 3 * (text.size() - ascii), '\0'), true};
+    std::copy_n(text.data(), ascii, result.bytes.data());
+    std::size_t written = ascii;
+    for (text.remove_prefix(ascii); !text.empty();) {
+        const std::u16string_view piece = firstPiece(text);
+        std::int32_t length = 0;
+        std::int32_t substitutions = 0;
+        UErrorCode status = U_ZERO_ERROR;
+        u_strToUTF8WithSub(result.bytes.data() + written, static_cast<std::int32_t>(3 * piece.size()), &length,
+                           piece.data(), static_cast<std::int32_t>(piece.size()), kReplacement, &substitutions,
+                           &status);
+        result.wellFormed = result.wellFormed && substitutions == 0;
+        written += static_cast<std::size_t>(length);
+        text.remove_prefix(piece.size());
+    }
+    result.bytes.resize(written);
+    return result;
+}
+
+}  // namespace
+
+std::u16string_view wellFormedPrefix(std::u16string_view text) noexcept {
+    std::size_t at = 0;
+    while (at < text.size()) {
+        if ((text[at] & 0xF800) != 0xD800) {
+            ++at;
+            continue;
+        }
+        const ScalarStep step = scalarAt(text, at);
+        if (step.scalar < 0x10000) break;
+        at = step.end;
+    }
+    return text.substr(0, at);
+}
+
+Utf8Prefix utf8Prefix(std::u16string_view text, std::span<char> buffer) noexcept {
+    const char* const end = buffer.data() + buffer.size();
+    char* at = buffer.data();
+    std::size_t units = 0;
+    while (units < text.size()) {
+        const std::size_t ascii = copyAsciiPrefix(text.substr(units), at, static_cast<std::size_t>(end - at));
+        units += ascii;
+        at += ascii;
+        // Text outside ASCII comes in runs, mixed with a few spaces.
+        for (int run = 0; run < 64 && units < text.size(); ++run) {
+            const ScalarStep step = scalarAt(text, units);
+            const bool isLoneSurrogate = step.scalar >= 0xD800 && step.scalar < 0xE000;
+            char* const next = writeScalar(isLoneSurrogate ? char32_t{kReplacement} : step.scalar, at, end);
+            if (next == nullptr) return {units, static_cast<std::size_t>(at - buffer.data())};
+            at = next;
+            units = step.end;
+        }
+    }
+    return {units, static_cast<std::size_t>(at - buffer.data())};
+}
+
+std::size_t utf16Unchecked(std::string_view bytes, char16_t* buffer) noexcept {
+    const std::size_t ascii = asciiPrefix(bytes);
+    std::copy_n(reinterpret_cast<const unsigned char*>(bytes.data()), ascii, buffer);
+    std::size_t written = ascii;
+    for (bytes.remove_prefix(ascii); !bytes.empty();) {
+        const std::string_view piece = firstPiece(bytes);
+        std::int32_t length = 0;
+        UErrorCode status = U_ZERO_ERROR;
+        u_strFromUTF8WithSub(buffer + written, static_cast<std::int32_t>(piece.size()), &length, piece.data(),
+                             static_cast<std::int32_t>(piece.size()), kReplacement, nullptr, &status);
+        written += static_cast<std::size_t>(length);
+        bytes.remove_prefix(piece.size());
+    }
+    return written;
+}
+
+std::u16string utf16(std::string_view bytes) {
+    std::u16string text(bytes.size(), u'\0');
+    text.resize(utf16Unchecked(bytes, text.data()));
+    return text;
+}
+
+bool isWellFormedUtf8(std::string_view bytes) noexcept {
+    const auto* data = reinterpret_cast<const std::uint8_t*>(bytes.data());
+    for (std::size_t i = asciiPrefix(bytes); i < bytes.size();) {
+        if (data[i] < 0x80) {
+            i += asciiPrefix(bytes.substr(i));
+            continue;
+        }
+        std::int32_t length = 0;
+        UChar32 scalar = 0;
+        const auto window = static_cast<std::int32_t>(std::min<std::size_t>(bytes.size() - i, U8_MAX_LENGTH));
+        U8_NEXT(data + i, length, window, scalar);
+        if (scalar < 0) return false;
+        i += static_cast<std::size_t>(length);
+    }
+    return true;
+}
+
+std::optional<std::u16string> utf16IfWellFormed(std::string_view bytes) {
+    if (!isWellFormedUtf8(bytes)) return std::nullopt;
+    return utf16(bytes);
+}
+
+std::string utf8(std::u16string_view text) { return convertToUtf8(text).bytes; }
+
+std::optional<std::string> utf8IfWellFormed(std::u16string_view text) {
+    Utf8Conversion result = convertToUtf8(text);
+    if (!result.wellFormed) return std::nullopt;
+    return std::move(result.bytes);
+}
+
+}  // namespace ZORPlatform

@@ -1,0 +1,221 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <ZORPlatform/Dispatch/DispatchGroup.h>
+#include <ZORPlatform/Dispatch/DispatchQueue.h>
+
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <atomic>
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <iterator>
+#include <latch>
+#include <memory>
+#include <semaphore>
+#include <string>
+#include <thread>
+#include <vector>
+
+#if defined(__SANITIZE_THREAD__)
+#define ZOR_THREAD_SANITIZER 1
+#elif defined(__has_feature)
+#if __has_feature(thread_sanitizer)
+#define ZOR_THREAD_SANITIZER 1
+#endif
+#endif
+
+namespace {
+
+using ZORPlatform::DispatchGroup;
+using ZORPlatform::DispatchQueue;
+
+std::size_t threadsOfThisProcess() {
+    const std::filesystem::directory_iterator tasks("/proc/self/task");
+    return static_cast<std::size_t>(std::distance(begin(tasks), end(tasks)));
+}
+
+TEST(DispatchPool, SpendsNoThreadOnTenThousandIdleQueues) {
+    const std::size_t before = threadsOfThisProcess();
+    std::vector<DispatchQueue> queues;
+    const DispatchGroup group;
+    for (int i = 0; i < 10'000; ++i) queues.push_back(DispatchQueue::serial(u"idle"));
+    EXPECT_EQ(threadsOfThisProcess(), before);
+    for (const DispatchQueue& queue : queues) {
+        group.enter();
+        queue.async([group] { group.leave(); });
+    }
+    group.wait();
+    EXPECT_LE(threadsOfThisProcess(), before + std::max(2U, std::thread::hardware_concurrency()) + 2);
+}
+
+// Each work waits for the one submitted after it, so all have to be under way at once.
+template <class Wait, class Signal>
+void runWorksThatWaitForEachOther(std::size_t count, const std::vector<Wait>& wait, const std::vector<Signal>& signal) {
+    const DispatchGroup all;
+    for (std::size_t i = 0; i < count; ++i) {
+        all.enter();
+        DispatchQueue::serial(u"waits").async([&, i, all] {
+            if (i + 1 < count) wait[i + 1]();
+            signal[i]();
+            all.leave();
+        });
+    }
+    all.wait();
+}
+
+TEST(DispatchPool, LetsWorkWaitForOtherWorkInGroups) {
+    constexpr std::size_t kCount = 40;
+    std::vector<DispatchGroup> groups(kCount);
+    std::vector<std::function<void()>> wait;
+    std::vector<std::function<void()>> signal;
+    for (const DispatchGroup& group : groups) {
+        group.enter();
+        wait.emplace_back([group] { group.wait(); });
+        signal.emplace_back([group] { group.leave(); });
+    }
+    runWorksThatWaitForEachOther(kCount, wait, signal);
+}
+
+TEST(DispatchPool, LetsWorkWaitForOtherWorkByMeansThatItCannotSee) {
+    constexpr std::size_t kCount = 8;
+    std::vector<std::binary_semaphore*> semaphores;
+    std::vector<std::function<void()>> wait;
+    std::vector<std::function<void()>> signal;
+    std::vector<std::unique_ptr<std::binary_semaphore>> owned;
+    for (std::size_t i = 0; i < kCount; ++i) {
+        owned.push_back(std::make_unique<std::binary_semaphore>(0));
+        wait.emplace_back([&semaphore = *owned.back()] { semaphore.acquire(); });
+        signal.emplace_back([&semaphore = *owned.back()] { semaphore.release(); });
+    }
+    runWorksThatWaitForEachOther(kCount, wait, signal);
+}
+
+TEST(DispatchPool, KeepsTheApplicationsSignalsAwayFromItsThreads) {
+    const auto queue = DispatchQueue::serial(u"signals");
+    bool blocksTermination = false;
+    bool blocksFaults = true;
+    const DispatchGroup group;
+    group.enter();
+    queue.async([&, group] {
+        sigset_t mask;
+        pthread_sigmask(SIG_SETMASK, nullptr, &mask);
+        blocksTermination = sigismember(&mask, SIGTERM) == 1;
+        blocksFaults = sigismember(&mask, SIGSEGV) == 1;
+        group.leave();
+    });
+    group.wait();
+    EXPECT_TRUE(blocksTermination);
+    EXPECT_FALSE(blocksFaults);
+}
+
+void runOneWork() {
+    const DispatchGroup group;
+    group.enter();
+    DispatchQueue::serial(u"one").async([group] { group.leave(); });
+    group.wait();
+}
+
+bool isAsleep(pid_t thread) {
+    std::ifstream stat("/proc/self/task/" + std::to_string(thread) + "/stat");
+    std::string line;
+    std::getline(stat, line);
+    const std::size_t nameEnd = line.rfind(')');
+    return nameEnd != std::string::npos && line.compare(nameEnd, 3, ") S") == 0;
+}
+
+/// Runs `work` on a thread of the pool and returns once that thread is idle again.
+void runUntilIdle(void (*work)()) {
+    std::atomic<pid_t> worker{0};
+    DispatchQueue::serial(u"until idle").async([&worker, work] {
+        work();
+        worker = gettid();
+    });
+    while (worker == 0) std::this_thread::yield();
+    while (!isAsleep(worker)) std::this_thread::yield();
+}
+
+// Says on standard error when its thread ends.
+struct SaysGoodbye {
+    ~SaysGoodbye() { std::fputs("worker ended.", stderr); }
+};
+thread_local SaysGoodbye goodbye;
+
+class DispatchPoolDeathTest : public testing::Test {
+protected:
+    DispatchPoolDeathTest() { GTEST_FLAG_SET(death_test_style, "threadsafe"); }
+};
+
+TEST_F(DispatchPoolDeathTest, JoinsItsIdleThreadsWhenTheProcessExits) {
+    EXPECT_EXIT(
+        {
+            runUntilIdle([] { static_cast<void>(&goodbye); });
+            std::exit(0);
+        },
+        testing::ExitedWithCode(0), "worker ended\\.");
+}
+
+TEST_F(DispatchPoolDeathTest, DoesNotWaitForWorkInProgressWhenTheProcessExits) {
+    EXPECT_EXIT(
+        {
+            std::latch begun(1);
+            std::binary_semaphore never(0);
+            DispatchQueue::serial(u"stays").async([&] {
+                begun.count_down();
+                never.acquire();
+            });
+            begun.wait();
+            std::exit(5);
+        },
+        testing::ExitedWithCode(5), "");
+}
+
+TEST_F(DispatchPoolDeathTest, LetsWorkExitTheProcess) {
+    EXPECT_EXIT(
+        {
+            DispatchQueue::serial(u"exits").async([] { std::exit(6); });
+            std::binary_semaphore never(0);
+            never.acquire();
+        },
+        testing::ExitedWithCode(6), "");
+}
+
+TEST_F(DispatchPoolDeathTest, StillRunsWorkThatIsSubmittedWhileTheProcessExits) {
+    EXPECT_EXIT(
+        {
+            // Registered before the pool exists, so it runs after the pool has stopped.
+            std::atexit([] {
+                runOneWork();
+                std::fputs("ran late.", stderr);
+            });
+            runOneWork();
+            std::exit(0);
+        },
+        testing::ExitedWithCode(0), "ran late\\.");
+}
+
+TEST_F(DispatchPoolDeathTest, StartsAfreshInAForkedChild) {
+#ifdef ZOR_THREAD_SANITIZER
+    GTEST_SKIP() << "the thread sanitizer allows no threads after a fork";
+#endif
+    EXPECT_EXIT(
+        {
+            runUntilIdle([] {});
+            const pid_t child = fork();
+            if (child == 0) {
+                runOneWork();
+                std::exit(7);
+            }
+            int status = 0;
+            waitpid(child, &status, 0);
+            std::exit(WIFEXITED(status) ? WEXITSTATUS(status) : 1);
+        },
+        testing::ExitedWithCode(7), "");
+}
+
+}  // namespace

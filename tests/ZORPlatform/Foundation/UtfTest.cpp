@@ -1,0 +1,137 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <ZORPlatform/Foundation/Utf.h>
+
+#include <ZORPlatform/Foundation/Text.h>
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <string>
+#include <vector>
+
+#include <support/AllocationCount.h>
+
+namespace ZORPlatform {
+namespace {
+
+struct Pair {
+    std::string utf8;
+    std::u16string utf16;
+};
+
+class WellFormedText : public testing::TestWithParam<Pair> {};
+
+TEST_P(WellFormedText, ConvertsBothWays) {
+    const auto& [bytes, text] = GetParam();
+    EXPECT_EQ(utf16(bytes), text);
+    EXPECT_EQ(utf8(text), bytes);
+    EXPECT_EQ(utf16IfWellFormed(bytes), text);
+    EXPECT_EQ(utf8IfWellFormed(text), bytes);
+    EXPECT_TRUE(isWellFormedUtf8(bytes));
+}
+
+INSTANTIATE_TEST_SUITE_P(Utf, WellFormedText,
+                         testing::Values(Pair{"", u""}, Pair{"BE68", u"BE68"},
+                                         Pair{"\u00E9l\u00E8ve", u"\u00E9l\u00E8ve"},
+                                         Pair{"12345678\u20AC", u"12345678\u20AC"}, Pair{"\U0001F600", u"\U0001F600"},
+                                         Pair{std::string("a\0b", 3), std::u16string(u"a\0b", 3)},
+                                         Pair{"\uFFFD", u"\uFFFD"},
+                                         Pair{"\u007F\u0080\u07FF\u0800\uFFFF\U00010000\U0010FFFF",
+                                              u"\u007F\u0080\u07FF\u0800\uFFFF\U00010000\U0010FFFF"}));
+
+class IllFormedUtf8 : public testing::TestWithParam<Pair> {};
+
+TEST_P(IllFormedUtf8, BecomesOneReplacementForEachMaximalBeginning) {
+    const auto& [bytes, text] = GetParam();
+    EXPECT_EQ(utf16(bytes), text);
+    EXPECT_EQ(utf16IfWellFormed(bytes), std::nullopt);
+    EXPECT_FALSE(isWellFormedUtf8(bytes));
+}
+
+INSTANTIATE_TEST_SUITE_P(Utf, IllFormedUtf8,
+                         testing::Values(Pair{"\x80", u"\uFFFD"}, Pair{"\xFF\xFE", u"\uFFFD\uFFFD"},
+                                         Pair{"\xC0\xAF", u"\uFFFD\uFFFD"}, Pair{"\xED\xA0\x80", u"\uFFFD\uFFFD\uFFFD"},
+                                         Pair{"a\xE2\x82", u"a\uFFFD"}, Pair{"\xF0\x9F\x98z", u"\uFFFDz"},
+                                         Pair{"\xF4\x90\x80\x80", u"\uFFFD\uFFFD\uFFFD\uFFFD"}));
+
+TEST(Utf, LoneSurrogatesBecomeReplacementsInUtf8) {
+    const std::u16string lone{u'A', char16_t{0xD800}, u'B', char16_t{0xDC00}};
+    EXPECT_EQ(utf8(lone), "A\uFFFDB\uFFFD");
+    EXPECT_EQ(utf8IfWellFormed(lone), std::nullopt);
+}
+
+TEST(Utf, BufferHoldsShortTextsWithoutAllocating) {
+    const std::string atLimit(64, 'x');
+    const support::AllocationCount allocations;
+    const Utf16Buffer<64> buffer(atLimit);
+    EXPECT_EQ(allocations.count(), 0U);
+    EXPECT_EQ(buffer.view(), std::u16string(64, u'x'));
+}
+
+TEST(Utf, BufferTakesTextsLongerThanItself) {
+    const Utf16Buffer<64> buffer(std::string(65, 'x'));
+    EXPECT_EQ(buffer.view(), std::u16string(65, u'x'));
+}
+
+std::string inPieces(std::u16string_view text, std::size_t room) {
+    std::string bytes;
+    while (!text.empty()) {
+        std::vector<char> buffer(room);
+        const Utf8Prefix step = utf8Prefix(text, buffer);
+        if (step.units == 0) {
+            ADD_FAILURE() << "no progress with room for " << room << " bytes";
+            break;
+        }
+        bytes.append(buffer.data(), step.bytes);
+        text.remove_prefix(step.units);
+    }
+    return bytes;
+}
+
+TEST(Utf8Prefix, PiecesOfAnySizeJoinToTheWholeConversion) {
+    std::u16string text;
+    for (int round = 0; round < 40; ++round) {
+        text += std::u16string(static_cast<std::size_t>(round), u'a');
+        text += u"\u00E9\u20AC\U0001F600";
+        text.push_back(u'\0');
+        text.push_back(u'z');
+        text.push_back(static_cast<char16_t>(0xD800 + round));
+        text.push_back(char16_t{0xDC00});
+        text += u"\u07FF";
+    }
+    for (const std::size_t room : {4U, 5U, 7U, 16U, 31U, 64U, 4096U}) EXPECT_EQ(inPieces(text, room), utf8(text));
+}
+
+TEST(Utf8Prefix, EveryScalarIsWrittenAsTheWholeConversionWritesIt) {
+    for (char32_t scalar = 0; scalar < 0x110000; ++scalar) {
+        std::u16string text;
+        appendScalar(text, scalar);
+        std::array<char, 4> buffer{};
+        const Utf8Prefix step = utf8Prefix(text, buffer);
+        ASSERT_EQ(std::string(buffer.data(), step.bytes), utf8(text)) << std::hex << static_cast<unsigned>(scalar);
+        ASSERT_EQ(step.units, text.size());
+    }
+}
+
+TEST(Utf8Prefix, StopsBeforeAScalarThatDoesNotFit) {
+    std::array<char, 3> buffer{};
+    EXPECT_EQ(utf8Prefix(u"\u00E9\u00E9", buffer).bytes, 2U);
+    EXPECT_EQ(utf8Prefix(u"\U0001F600", buffer).units, 0U);
+    EXPECT_EQ(utf8Prefix(u"abcd", buffer).units, 3U);
+    EXPECT_EQ(utf8Prefix(u"abcd", std::span<char>()).units, 0U);
+    EXPECT_EQ(utf8Prefix(u"", buffer).bytes, 0U);
+}
+
+TEST(WellFormedPrefix, EndsBeforeTheFirstLoneSurrogate) {
+    const std::u16string lead(1, char16_t{0xD83D});
+    const std::u16string trail(1, char16_t{0xDE00});
+    EXPECT_EQ(wellFormedPrefix(u""), u"");
+    EXPECT_EQ(wellFormedPrefix(u"a\U0001F600\uFFFF"), u"a\U0001F600\uFFFF");
+    EXPECT_EQ(wellFormedPrefix(u"ab" + lead), u"ab");
+    EXPECT_EQ(wellFormedPrefix(u"ab" + lead + u"c"), u"ab");
+    EXPECT_EQ(wellFormedPrefix(u"ab" + trail + lead + trail), u"ab");
+    EXPECT_EQ(wellFormedPrefix(lead + trail + lead), lead + trail);
+}
+
+}  // namespace
+}  // namespace ZORPlatform

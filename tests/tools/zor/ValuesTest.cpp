@@ -1,0 +1,147 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// The command as people use it: values on the command line.
+
+#include "ZorProcess.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+namespace zor::testing {
+namespace {
+
+TEST(ZorValues, ValidValuesExitWithZero) {
+    const RunResult result = runZor({"check", "iban", "BE68539007547034", "BE68 5390 0754 7034"});
+    EXPECT_EQ(result.exitCode, 0);
+    EXPECT_EQ(result.out, "BE68539007547034: valid\nBE68 5390 0754 7034: valid\n");
+    EXPECT_EQ(result.err, "");
+}
+
+TEST(ZorValues, OneInvalidValueExitsWithOne) {
+    const RunResult result = runZor({"check", "bban", "539-0075470-34", "539-0075470-35"});
+    EXPECT_EQ(result.exitCode, 1);
+    EXPECT_EQ(result.out, "539-0075470-34: valid\n539-0075470-35: invalid\n");
+}
+
+TEST(ZorValues, ExactValuesKeepTheirSeparators) {
+    EXPECT_EQ(runZor({"check", "iban", "--exact", "BE68539007547034"}).exitCode, 0);
+    EXPECT_EQ(runZor({"check", "iban", "--exact", "BE68 5390 0754 7034"}).exitCode, 1);
+}
+
+TEST(ZorValues, ExplanationsNameTheRuleAndThePlaceInTheTextAsTyped) {
+    EXPECT_EQ(runZor({"explain", "iban", "BE68 5390 0754 703"}).out,
+              "BE68 5390 0754 703: invalid, countryLength: found 15 characters, expected 16 in this country\n");
+    EXPECT_EQ(runZor({"explain", "bban", "539-0075470-35"}).out,
+              "539-0075470-35: invalid, checkDigits: the check digits do not belong to the rest, at position 12\n");
+    EXPECT_EQ(runZor({"explain", "iban", "BE68 5390 0754 70_4"}).out,
+              "BE68 5390 0754 70_4: invalid, unexpectedCharacter: there is a character that does not belong there, at "
+              "position 17\n");
+    EXPECT_EQ(runZor({"explain", "iban", "BE"}).out,
+              "BE: invalid, tooShort: found 2 characters, expected at least 5\n");
+    EXPECT_EQ(runZor({"explain", "iban", std::string(33, '1')}).out,
+              std::string(33, '1') + ": invalid, tooLong: found 33 characters, expected at most 32\n");
+    EXPECT_EQ(runZor({"explain", "account", "539"}).out, "539: invalid, length: found 3 characters, expected 12\n");
+    EXPECT_EQ(runZor({"explain", "iban", ""}).out, ": invalid, empty: nothing is left once separators are out\n");
+    EXPECT_EQ(runZor({"explain", "iban", "be68539007547034"}).out, "be68539007547034: valid\n");
+}
+
+TEST(ZorValues, FormatShowsWhatPeopleRead) {
+    EXPECT_EQ(runZor({"format", "iban", "be68-5390-0754-7034"}).out, "BE68\u00A05390\u00A00754\u00A07034\n");
+    EXPECT_EQ(runZor({"format", "bban", "539007547034"}).out, "539-0075470-34\n");
+    EXPECT_EQ(runZor({"format", "account", "539007547034", "12 34"}).out, "539-0075470-34\n1234\n");
+    EXPECT_EQ(runZor({"format", "account", "12 34"}).exitCode, 1);
+}
+
+TEST(ZorValues, WhatIsNoTextIsInvalid) {
+    const RunResult result = runZor({"explain", "iban", "BE\xFF"});
+    EXPECT_EQ(result.exitCode, 1);
+    EXPECT_EQ(result.out, "BE\uFFFD: invalid, bad_utf8: this is no UTF-8 text\n");
+}
+
+TEST(ZorValues, NothingInAValueSteersATerminal) {
+    EXPECT_EQ(runZor({"check", "iban", "\x1B[31mred\n\x7F"}).out, "\uFFFD[31mred\uFFFD\uFFFD: invalid\n");
+}
+
+TEST(ZorValues, NoColourWhereNoTerminalIs) {
+    EXPECT_EQ(runZor({"check", "iban", "BE68539007547034"}).out.find('\x1B'), std::string::npos);
+}
+
+TEST(ZorValues, AValueSwitchesTheFilterOff) {
+    const RunResult result = runZor({"check", "iban", "BE68539007547034"}, "never\nread\n");
+    EXPECT_EQ(result.out, "BE68539007547034: valid\n");
+    EXPECT_EQ(runZor({"check", "iban", "BE68539007547034", "--format=tsv"}).exitCode, 2);
+}
+
+TEST(ZorValues, TwoDashesEndTheOptions) {
+    EXPECT_EQ(runZor({"check", "iban", "--", "--exact"}).out, "--exact: invalid\n");
+}
+
+TEST(ZorErrorCode, JoinsPrefixAndCode) {
+    EXPECT_EQ(runZor({"error-code", "NSURLErrorDomain", "-1009"}).out, "UR4114\n");
+    EXPECT_EQ(runZor({"error-code", "be.zor.mobile.frontend", "17"}).out, "GEN17\n");
+    EXPECT_EQ(runZor({"error-code", "be.zor.mobile.webseal", "0", "0x1234"}).out, "WS0x1234\n");
+}
+
+TEST(ZorErrorCode, ADomainWithoutMapperExitsWithOne) {
+    const RunResult result = runZor({"error-code", "nsurlerrordomain", "1"});
+    EXPECT_EQ(result.exitCode, 1);
+    EXPECT_EQ(result.out, "(null)(null)\n");
+}
+
+TEST(ZorErrorCode, CodesAreWholeNumbers) {
+    for (const char* code : {"", "x", "1.5", "9223372036854775808", "1 "}) {
+        EXPECT_EQ(runZor({"error-code", "NSURLErrorDomain", code}).exitCode, 2) << code;
+    }
+    EXPECT_EQ(runZor({"error-code", "NSURLErrorDomain"}).exitCode, 2);
+}
+
+TEST(ZorUsage, MistakesExitWithTwoAndOneLine) {
+    const std::vector<Words> mistakes{
+        {},
+        {"chekc"},
+        {"check"},
+        {"check", "ibann"},
+        {"check", "iban", "--unknown"},
+        {"check", "iban", "--format=xml"},
+        {"check", "iban", "--in=xml"},
+        {"check", "iban", "--field=0"},
+        {"check", "iban", "--field=x"},
+        {"check", "iban", "--field"},
+        {"check", "iban", "--key=verdict"},
+        {"check", "iban", "--emit="},
+        {"check", "iban", "--emit=verdict,colour"},
+        {"check", "iban", "--emit=verdict,verdict"},
+        {"check", "iban", "--labels=yes"},
+        {"check", "iban", "--labels=a,a"},
+        {"check", "iban", "--null=maybe"},
+        {"check", "iban", "--sep=pipe", "--format=csv"},
+        {"check", "iban", "--sep=comma", "--format=tsv"},
+        {"check", "iban", "--flush=never"},
+        {"check", "iban", "--max-record=0"},
+        {"check", "iban", "--jobs=0"},
+        {"check", "iban", "--jobs=257"},
+        {"check", "iban", "--stats=stdout"},
+        {"check", "iban", "--today=2026-01-01"},
+        {"--json", "extra"},
+    };
+    for (const Words& words : mistakes) {
+        const RunResult result = runZor(words, "BE68539007547034\n");
+        const std::string shown = ::testing::PrintToString(words);
+        EXPECT_EQ(result.exitCode, 2) << shown;
+        EXPECT_EQ(result.out, "") << shown;
+        EXPECT_TRUE(result.err.starts_with("zor: ")) << shown << result.err;
+        EXPECT_EQ(std::count(result.err.begin(), result.err.end(), '\n'), 1) << shown << result.err;
+    }
+}
+
+TEST(ZorVersion, NamesTheLibraryAndItsTables) {
+    EXPECT_EQ(runZor({"--version"}).out, "zor " ZOR_TEST_VERSION "\n");
+    const std::string json = runZor({"--version", "--json"}).out;
+    EXPECT_TRUE(json.starts_with("{\"library\":\"" ZOR_TEST_VERSION "\",\"profiles\":[{\"name\":\"account-numbers\","))
+        << json;
+    EXPECT_TRUE(json.ends_with("\"}]}\n")) << json;
+}
+
+}  // namespace
+}  // namespace zor::testing

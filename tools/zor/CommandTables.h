@@ -1,0 +1,24 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+// The commands that there are; Commands.cpp and SelfContainedCommands.cpp say which of them a program has.
+
+#include <tools/zor/Command.h>
+
+namespace zor {
+
+// check, format and explain: with values, answers for people; without, the filter.
+extern const Command kCheckCommand;
+extern const Command kFormatCommand;
+extern const Command kExplainCommand;
+
+// The short code by which a user can name an error.
+extern const Command kErrorCodeCommand;
+
+// Data in, data out: digests, Base64 and the ciphers keyed by text.
+extern const Command kHashCommand;
+extern const Command kBase64Command;
+extern const Command kEncryptCommand;
+extern const Command kDecryptCommand;
+
+}  // namespace zor

@@ -1,0 +1,61 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+// What the command can check, explain and format: one row a kind, one source file a group of kinds.
+
+#include <ZORFoundation/Explanation.h>
+
+#include <span>
+#include <string>
+#include <string_view>
+
+namespace zor {
+
+/// What the options of kinds say. A kind reads the members whose options it takes.
+struct KindSettings {
+    bool exact = false;                 ///< The value is taken as it stands; separators are not taken out first.
+    std::string_view locale = "nl_BE";  ///< In whose writing a value is displayed.
+};
+
+/// An option that only some kinds take.
+struct KindOption {
+    std::string_view name;
+    std::string_view placeholder;  ///< Empty for a flag.
+    std::string_view help;
+    /// Stores `value`, empty for a flag. @return false when the value means nothing
+    bool (*set)(KindSettings& settings, std::string_view value);
+};
+
+/// One kind of value. Texts come as they were written: each function takes separators out itself where the kind has
+/// any. All functions are pure.
+struct Kind {
+    std::string_view name;
+    std::string_view help;
+    bool (*check)(std::u16string_view text, const KindSettings& settings);
+    /// Positions are those of the text as it was written. Valid exactly when `check` is true.
+    ZORFoundation::Explanation (*explain)(std::u16string_view text, const KindSettings& settings);
+    /// The form that programs store.
+    std::u16string (*normalize)(std::u16string_view text, const KindSettings& settings);
+    /// The form that people read.
+    std::u16string (*format)(std::u16string_view text, const KindSettings& settings);
+    std::span<const KindOption* const> options;
+};
+
+/// The kinds of one source file, and the day on which what they accept last changed.
+struct KindGroup {
+    std::string_view name;
+    std::string_view rules;
+    std::string_view date;
+    std::span<const Kind> kinds;
+};
+
+/// All groups of this program, in the order in which help shows them.
+[[nodiscard]] std::span<const KindGroup* const> kindGroups();
+
+/// The kind of that name, or null.
+[[nodiscard]] const Kind* findKind(std::string_view name);
+
+/// Whether an option of that name belongs to some kind; null otherwise.
+[[nodiscard]] const KindOption* findKindOption(std::string_view name);
+
+}  // namespace zor

@@ -1,0 +1,13 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+// The groups that there are; Kinds.cpp and SelfContainedKinds.cpp say which of them a program has.
+
+#include <tools/zor/Kind.h>
+
+namespace zor {
+
+extern const KindGroup kAccountKinds;
+extern const KindGroup kAmountKinds;
+
+}  // namespace zor

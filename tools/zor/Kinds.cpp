@@ -1,0 +1,18 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <tools/zor/KindGroups.h>
+
+#include <array>
+
+namespace zor {
+namespace {
+
+constexpr std::array kGroups{
+    &kAccountKinds,
+    &kAmountKinds,
+};
+
+}  // namespace
+
+std::span<const KindGroup* const> kindGroups() { return kGroups; }
+
+}  // namespace zor

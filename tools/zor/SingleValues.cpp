@@ -1,0 +1,105 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <tools/zor/SingleValues.h>
+
+#include <tools/zor/filter/Encoding.h>
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+
+namespace zor {
+namespace {
+
+using ZORFoundation::BrokenRule;
+
+constexpr std::string_view kGreen = "\x1B[32m";
+constexpr std::string_view kRed = "\x1B[31m";
+constexpr std::string_view kPlain = "\x1B[0m";
+
+// A value as it was typed, without what would steer a terminal.
+struct TerminalEscapes {
+    static bool isSpecial(char byte) noexcept { return static_cast<unsigned char>(byte) < 0x20 || byte == 0x7F; }
+    static void write(char, Output& out) { out.append(kReplacementCharacter); }
+};
+
+// What a rule that is not one of length means. A rule without a row is still named, and the place shown.
+struct Phrase {
+    BrokenRule rule;
+    std::string_view text;
+};
+
+constexpr std::array kPhrases{
+    Phrase{BrokenRule::empty, "nothing is left once separators are out"},
+    Phrase{BrokenRule::unexpectedCharacter, "there is a character that does not belong there,"},
+    Phrase{BrokenRule::incomplete, "the text ends too early,"},
+    Phrase{BrokenRule::checkDigits, "the check digits do not belong to the rest,"},
+};
+
+struct Judgement {
+    bool valid = false;
+    std::string why;
+    std::string formatted;
+};
+
+Judgement judge(const Kind& kind, const KindSettings& settings, Answer answer, const std::string& value) {
+    const std::optional<std::u16string> text = ZORPlatform::utf16IfWellFormed(value);
+    if (!text) return {false, "bad_utf8: this is no UTF-8 text", value};
+    Judgement judgement;
+    judgement.valid = kind.check == nullptr || kind.check(*text, settings);
+    if (answer == Answer::explain && !judgement.valid) judgement.why = sentence(kind.explain(*text, settings));
+    if (answer == Answer::format) judgement.formatted = ZORPlatform::utf8(kind.format(*text, settings));
+    return judgement;
+}
+
+void appendVerdict(bool valid, bool coloured, Output& out) {
+    if (coloured) out.append(valid ? kGreen : kRed);
+    out.append(valid ? "valid" : "invalid");
+    if (coloured) out.append(kPlain);
+}
+
+}  // namespace
+
+ExitCode answerValues(const Kind& kind, const KindSettings& settings, Answer answer,
+                      std::span<const std::string> values) {
+    const bool coloured = ::isatty(STDOUT_FILENO) == 1;
+    bool allValid = true;
+    Output out;
+    for (const std::string& value : values) {
+        const Judgement judgement = judge(kind, settings, answer, value);
+        allValid = allValid && judgement.valid;
+        if (answer == Answer::format) {
+            appendEscaped(judgement.formatted, out, TerminalEscapes{});
+        } else {
+            appendEscaped(value, out, TerminalEscapes{});
+            out.append(": ");
+            appendVerdict(judgement.valid, coloured, out);
+            if (!judgement.why.empty()) out.append(", " + judgement.why);
+        }
+        out.append('\n');
+    }
+    writeAll(STDOUT_FILENO, out.view());
+    return allValid ? ExitCode::success : ExitCode::someInvalid;
+}
+
+std::string sentence(const ZORFoundation::Explanation& explanation) {
+    if (explanation.isValid()) return {};
+    std::string text = std::string(name(explanation.rule)) + ": ";
+    if (explanation.expected > 0) {
+        const bool countsDigits =
+            explanation.rule == BrokenRule::integerDigits || explanation.rule == BrokenRule::decimals;
+        text +=
+            "found " + std::to_string(explanation.found) + (countsDigits ? " digits" : " characters") + ", expected ";
+        if (explanation.rule == BrokenRule::tooShort) text += "at least ";
+        if (explanation.rule == BrokenRule::tooLong || countsDigits) text += "at most ";
+        text += std::to_string(explanation.expected);
+        return text + (explanation.rule == BrokenRule::countryLength ? " in this country" : "");
+    }
+    const auto phrase = std::find_if(kPhrases.begin(), kPhrases.end(),
+                                     [&](const Phrase& candidate) { return candidate.rule == explanation.rule; });
+    text += phrase == kPhrases.end() ? "this is not allowed" : phrase->text;
+    if (explanation.rule == BrokenRule::empty) return text;
+    return text + " at position " + std::to_string(explanation.position);
+}
+
+}  // namespace zor

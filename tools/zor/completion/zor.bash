@@ -1,0 +1,77 @@
+# SPDX-License-Identifier: Apache-2.0
+# bash completion for zor
+
+_zor_words() {
+  mapfile -t COMPREPLY < <(compgen -W "$1" -- "$2")
+}
+
+# Options when one has been begun, files otherwise.
+_zor_file_or() {
+  if [[ $current == -* ]]; then
+    _zor_words "$1" "$current"
+    [[ ${COMPREPLY[0]-} == *= ]] && compopt -o nospace
+  else
+    mapfile -t COMPREPLY < <(compgen -f -- "$current")
+  fi
+}
+
+_zor() {
+  local kinds="iban bban account amount"
+  local commands="check format explain error-code hash base64 encrypt decrypt"
+  local filter_options="--format= --in= --out= --field= --key= --emit= --labels= --null= --sep= --flush=
+    --chunk-header --max-record= --keep-cr --jobs= --stats= --fail-on-invalid --no-env --exact --locale= --help"
+  local current=${COMP_WORDS[COMP_CWORD]} option=
+  COMPREPLY=()
+
+  # "=" breaks words: the option then stands one or two words back.
+  if [[ $current == = ]]; then
+    option=${COMP_WORDS[COMP_CWORD - 1]} current=
+  elif [[ $COMP_CWORD -ge 2 && ${COMP_WORDS[COMP_CWORD - 1]} == = ]]; then
+    option=${COMP_WORDS[COMP_CWORD - 2]}
+  fi
+  case $option in
+    --format | --in | --out) _zor_words "plain tsv tsv-raw csv jsonl" "$current"; return ;;
+    --emit) _zor_words "verdict reason offset normalized formatted" "$current"; return ;;
+    --null) _zor_words "absent invalid" "$current"; return ;;
+    --sep) _zor_words "tab comma semicolon" "$current"; return ;;
+    --flush) _zor_words "drain line block" "$current"; return ;;
+    --codec) _zor_words "zoraescrypt zorbase64" "$current"; return ;;
+    --cipher) _zor_words "aes256 aes128" "$current"; return ;;
+    --key-overflow) _zor_words "zero" "$current"; return ;;
+    --key-file) mapfile -t COMPREPLY < <(compgen -f -- "$current"); return ;;
+    --stats) _zor_words "stderr hadoop" "$current"; return ;;
+  esac
+
+  if [[ $COMP_CWORD -eq 1 ]]; then
+    _zor_words "$commands --help --version --json" "$current"
+    return
+  fi
+  case ${COMP_WORDS[1]} in
+    check | format | explain)
+      if [[ $COMP_CWORD -eq 2 && $current != -* ]]; then
+        _zor_words "$kinds" "$current"
+      else
+        _zor_words "$filter_options" "$current"
+        [[ ${COMPREPLY[0]-} == *= ]] && compopt -o nospace
+      fi
+      ;;
+    error-code) _zor_words "--help" "$current" ;;
+    hash)
+      if [[ $COMP_CWORD -eq 2 ]]; then
+        _zor_words "md5 sha1 sha224 sha256 sha384 sha512 --help" "$current"
+      else
+        _zor_file_or ""
+      fi
+      ;;
+    base64)
+      if [[ $COMP_CWORD -eq 2 ]]; then _zor_words "encode decode --help" "$current"; else
+        _zor_file_or "--codec= --line-length="
+      fi
+      ;;
+    encrypt) _zor_file_or "--cipher= --key-file= --key-file-exact --help" ;;
+    decrypt) _zor_file_or "--cipher= --key-file= --key-file-exact --key-overflow= --legacy --help" ;;
+    --version) _zor_words "--json" "$current" ;;
+  esac
+}
+
+complete -F _zor zor

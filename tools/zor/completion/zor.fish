@@ -1,0 +1,55 @@
+# SPDX-License-Identifier: Apache-2.0
+# fish completion for zor
+
+set -l kinds iban bban account amount
+set -l commands check format explain error-code hash base64 encrypt decrypt
+set -l formats "plain tsv tsv-raw csv jsonl"
+set -l no_command "not __fish_seen_subcommand_from $commands"
+set -l kind_command "__fish_seen_subcommand_from check format explain"
+
+complete -c zor -f
+complete -c zor -n $no_command -a check -d "whether values are valid"
+complete -c zor -n $no_command -a format -d "values as people read them"
+complete -c zor -n $no_command -a explain -d "why values are not valid"
+complete -c zor -n $no_command -a error-code -d "the short code of an error"
+complete -c zor -n $no_command -a hash -d "the digest of data in hexadecimal"
+complete -c zor -n $no_command -a base64 -d "data as Base64 text and back"
+complete -c zor -n $no_command -a encrypt -d "data under a key text"
+complete -c zor -n $no_command -a decrypt -d "what encrypt wrote"
+complete -c zor -n $no_command -l version -d "the version"
+complete -c zor -n $no_command -l json -d "the version with the tables, as JSON"
+complete -c zor -l help -d "help"
+
+complete -c zor -n "$kind_command; and not __fish_seen_subcommand_from $kinds" -a "$kinds"
+complete -c zor -n $kind_command -l format -x -a $formats -d "of input and output"
+complete -c zor -n $kind_command -l in -x -a $formats -d "of the input"
+complete -c zor -n $kind_command -l out -x -a $formats -d "of the output"
+complete -c zor -n $kind_command -l field -x -d "the column to check, from 1"
+complete -c zor -n $kind_command -l key -x -d "the member to check in jsonl"
+complete -c zor -n $kind_command -l emit -x -a "verdict reason offset normalized formatted" -d "result columns"
+complete -c zor -n $kind_command -l labels -x -d "the verdicts in words"
+complete -c zor -n $kind_command -l null -x -a "absent invalid" -d "what an absent value is"
+complete -c zor -n $kind_command -l sep -x -a "tab comma semicolon" -d "between columns"
+complete -c zor -n $kind_command -l flush -x -a "drain line block" -d "when to write"
+complete -c zor -n $kind_command -l chunk-header -d "a count before each chunk"
+complete -c zor -n $kind_command -l max-record -x -d "longer records are too_long"
+complete -c zor -n $kind_command -l keep-cr -d "a CR before the line end belongs to the record"
+complete -c zor -n $kind_command -l jobs -x -d "threads"
+complete -c zor -n $kind_command -l stats -x -a "stderr hadoop" -d "counts at the end"
+complete -c zor -n $kind_command -l fail-on-invalid -d "exit status 1 when a record is invalid"
+complete -c zor -n $kind_command -l no-env -d "do not read the environment"
+complete -c zor -n $kind_command -l exact -d "take values as they stand"
+complete -c zor -n $kind_command -l locale -x -d "the writing of amounts"
+
+set -l data_command "__fish_seen_subcommand_from hash base64 encrypt decrypt"
+set -l cipher_command "__fish_seen_subcommand_from encrypt decrypt"
+complete -c zor -n $data_command -F
+complete -c zor -n "__fish_seen_subcommand_from hash" -a "md5 sha1 sha224 sha256 sha384 sha512"
+complete -c zor -n "__fish_seen_subcommand_from base64" -a "encode decode"
+complete -c zor -n "__fish_seen_subcommand_from base64" -l codec -x -a "zoraescrypt zorbase64" -d "the codec"
+complete -c zor -n "__fish_seen_subcommand_from base64" -l line-length -x -d "characters a line"
+complete -c zor -n $cipher_command -l cipher -x -a "aes256 aes128" -d "the cipher"
+complete -c zor -n $cipher_command -l key-file -r -F -d "the text of the key"
+complete -c zor -n $cipher_command -l key-file-exact -d "a final line end belongs to the key"
+complete -c zor -n "__fish_seen_subcommand_from decrypt" -l key-overflow -x -a zero -d "keys too long are zeros"
+complete -c zor -n "__fish_seen_subcommand_from decrypt" -l legacy -d "aes256 data of earlier releases"
