@@ -24,6 +24,11 @@
 #include <ZORFoundation/ErrorHandling/ZORError.h>
 #include <ZORFoundation/ErrorHandling/ZORErrorHandler.h>
 #include <ZORFoundation/Explanation.h>
+#include <ZORFoundation/Operation/AsyncOperationBase.h>
+#include <ZORFoundation/Operation/OperationQueueExtension.h>
+#include <ZORFoundation/Operation/ZORAsyncBlockOperation.h>
+#include <ZORFoundation/Operation/ZORAsyncOperation.h>
+#include <ZORFoundation/Operation/ZORAsyncOperationResult.h>
 #include <ZORFoundation/PlistCore/ZORPlistController.h>
 #include <ZORFoundation/RawValue.h>
 #include <ZORFoundation/ResultStorage.h>
