@@ -44,11 +44,13 @@
 #include <ZORFoundation/ZORAccountNumberValidator.h>
 #include <ZORFoundation/ZORAmountFormatter.h>
 #include <ZORFoundation/ZORApplicationCode.h>
+#include <ZORFoundation/ZORBackupExcluder.h>
 #include <ZORFoundation/ZORBase64.h>
 #include <ZORFoundation/ZORCardNumberFormatter.h>
 #include <ZORFoundation/ZORChallengeResponseFormatter.h>
 #include <ZORFoundation/ZORCommentFormatter.h>
 #include <ZORFoundation/ZORCommentValidator.h>
+#include <ZORFoundation/ZORFileSystemObserver.h>
 #include <ZORFoundation/ZORHash.h>
 #include <ZORFoundation/ZORMD5Hash.h>
 #include <ZORFoundation/ZORMod97.h>

@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <ZORPlatform/Dispatch/DispatchPool.h>
 
+#include <ZORPlatform/Dispatch/SignalsBlockedInternal.h>
+
 #include <pthread.h>
-#include <signal.h>
 
 #include <algorithm>
 #include <atomic>
@@ -38,25 +39,6 @@ struct Worker {
 };
 
 thread_local Worker* currentWorker = nullptr;
-
-// Signals are for the application's threads. Those that a fault of the thread itself raises stay open.
-class SignalsBlocked {
-public:
-    SignalsBlocked() noexcept {
-        sigset_t mask;
-        sigfillset(&mask);
-        for (const int fault : {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGTRAP, SIGABRT, SIGSYS, SIGPROF}) {
-            sigdelset(&mask, fault);
-        }
-        pthread_sigmask(SIG_SETMASK, &mask, &before_);
-    }
-    ~SignalsBlocked() { pthread_sigmask(SIG_SETMASK, &before_, nullptr); }
-    SignalsBlocked(const SignalsBlocked&) = delete;
-    SignalsBlocked& operator=(const SignalsBlocked&) = delete;
-
-private:
-    sigset_t before_{};
-};
 
 }  // namespace
 

@@ -23,27 +23,6 @@ constexpr mode_t kModeOfNewFiles = 0666;
 constexpr mode_t kPrivateMode = 0600;
 constexpr mode_t kPermissionBits = 07777;
 
-bool namesAFile(const fs::path& path) noexcept {
-    return !path.empty() && path.native().find('\0') == std::string::npos;
-}
-
-/// An open file, read only: nobody has to know whether closing it succeeds.
-class Descriptor {
-public:
-    explicit Descriptor(int number) noexcept : number_(number) {}
-    ~Descriptor() {
-        if (number_ >= 0) systemCalls().close(number_);
-    }
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
-
-    [[nodiscard]] bool isOpen() const noexcept { return number_ >= 0; }
-    [[nodiscard]] int number() const noexcept { return number_; }
-
-private:
-    int number_;
-};
-
 bool writeAll(int descriptor, std::span<const std::uint8_t> bytes) {
     while (!bytes.empty()) {
         const ssize_t written = systemCalls().write(descriptor, bytes.data(), bytes.size());
@@ -127,6 +106,16 @@ bool replace(const fs::path& target, std::span<const std::uint8_t> bytes, mode_t
 bool NSFileManager::fileExistsAtPath(const fs::path& path) {
     struct stat status {};
     return namesAFile(path) && ::stat(path.c_str(), &status) == 0;
+}
+
+bool NSFileManager::directoryExistsAtPath(const fs::path& path) {
+    struct stat status {};
+    return namesAFile(path) && ::stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
+}
+
+std::optional<NSDirectoryEnumerator> NSFileManager::enumeratorAtPath(const fs::path& path) {
+    if (!namesAFile(path)) return std::nullopt;
+    return NSDirectoryEnumerator::ofDirectory(path);
 }
 
 bool NSFileManager::removeItemAtPath(const fs::path& path) {

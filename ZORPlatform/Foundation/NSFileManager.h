@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-// Whole files: read, written so that a crash cannot halve them, removed.
+// Whole files: read, written so that a crash cannot halve them, removed, listed.
+
+#include <ZORPlatform/Foundation/NSDirectoryEnumerator.h>
 
 #include <cstdint>
 #include <filesystem>
@@ -20,6 +22,12 @@ public:
 
     /// `fileExistsAtPath:`: follows symbolic links; a dangling link does not exist.
     [[nodiscard]] static bool fileExistsAtPath(const std::filesystem::path& path);
+
+    /// `fileExistsAtPath:isDirectory:`, when both are so: a directory exists there, or a link leads to one.
+    [[nodiscard]] static bool directoryExistsAtPath(const std::filesystem::path& path);
+
+    /// `enumeratorAtPath:`: everything below a directory; `std::nullopt` when it cannot be opened or is none.
+    [[nodiscard]] static std::optional<NSDirectoryEnumerator> enumeratorAtPath(const std::filesystem::path& path);
 
     /// `removeItemAtPath:error:`: a file, a link itself, or a directory with its content. @return whether it is gone
     [[nodiscard]] static bool removeItemAtPath(const std::filesystem::path& path);

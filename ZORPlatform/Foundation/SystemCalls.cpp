@@ -2,6 +2,9 @@
 #include <ZORPlatform/Foundation/SystemCallsInternal.h>
 
 #include <fcntl.h>
+#include <sys/eventfd.h>
+#include <sys/inotify.h>
+#include <sys/xattr.h>
 #include <unistd.h>
 
 #include <atomic>
@@ -29,6 +32,14 @@ int SystemCalls::fsync(int descriptor) { return ::fsync(descriptor); }
 int SystemCalls::close(int descriptor) { return ::close(descriptor); }
 int SystemCalls::rename(const char* from, const char* to) { return ::rename(from, to); }
 int SystemCalls::unlink(const char* path) { return ::unlink(path); }
+int SystemCalls::setxattr(const char* path, const char* name, const void* value, std::size_t size) {
+    return ::setxattr(path, name, value, size, 0);
+}
+int SystemCalls::eventfd() { return ::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK); }
+int SystemCalls::inotify_init() { return ::inotify_init1(IN_CLOEXEC | IN_NONBLOCK); }
+int SystemCalls::inotify_add_watch(int descriptor, const char* path, std::uint32_t mask) {
+    return ::inotify_add_watch(descriptor, path, mask);
+}
 
 SystemCalls& systemCalls() { return *inForce().load(std::memory_order_acquire); }
 

@@ -8,6 +8,7 @@
 #include <unistd.h>
 #include <algorithm>
 #include <cerrno>
+#include <cstdint>
 
 namespace support {
 
@@ -44,6 +45,14 @@ public:
     }
     int rename(const char* from, const char* to) override { return isDue() ? -1 : SystemCalls::rename(from, to); }
     int unlink(const char* path) override { return isDue() ? -1 : SystemCalls::unlink(path); }
+    int setxattr(const char* path, const char* name, const void* value, std::size_t size) override {
+        return isDue() ? -1 : SystemCalls::setxattr(path, name, value, size);
+    }
+    int eventfd() override { return isDue() ? -1 : SystemCalls::eventfd(); }
+    int inotify_init() override { return isDue() ? -1 : SystemCalls::inotify_init(); }
+    int inotify_add_watch(int descriptor, const char* path, std::uint32_t mask) override {
+        return isDue() ? -1 : SystemCalls::inotify_add_watch(descriptor, path, mask);
+    }
 
 private:
     bool isDue() {
