@@ -3,6 +3,7 @@
 // Account numbers. A value is stripped first, as people type separators, unless it is to be taken exactly.
 
 #include <tools/zor/KindGroups.h>
+#include <tools/zor/KindRules.h>
 
 #include <ZORFoundation/ZORAccountNumberFormatter.h>
 #include <ZORFoundation/ZORAccountNumberValidator.h>
@@ -44,31 +45,16 @@ bool hasNothingToStrip(std::u16string_view text) noexcept {
     return above == 0 && notBelow == kTopBits;
 }
 
-template <auto Rule>
-bool check(std::u16string_view text, const KindSettings& settings) {
-    if (settings.exact || hasNothingToStrip(text)) return Rule(text);
-    return Rule(Formatter::strippedAccountNumber(text));
-}
-
-// The position in `text` of the unit at `position` of `stripped`. What was stripped is found nowhere in `stripped`.
-std::size_t writtenPosition(std::u16string_view text, std::u16string_view stripped, std::size_t position) {
-    std::size_t at = 0;
-    for (std::size_t kept = 0; at < text.size() && kept < stripped.size(); ++at) {
-        if (text[at] != stripped[kept]) continue;
-        if (kept == position) return at;
-        ++kept;
-    }
-    return position < stripped.size() ? at : text.size();
-}
+struct AccountSeparators {
+    static bool areNotIn(std::u16string_view text) noexcept { return hasNothingToStrip(text); }
+    static std::u16string strip(std::u16string_view text) { return Formatter::strippedAccountNumber(text); }
+};
 
 template <auto Rule>
-Explanation explain(std::u16string_view text, const KindSettings& settings) {
-    if (settings.exact || hasNothingToStrip(text)) return Rule(text);
-    const std::u16string stripped = Formatter::strippedAccountNumber(text);
-    Explanation explanation = Rule(stripped);
-    if (!explanation.isValid()) explanation.position = writtenPosition(text, stripped, explanation.position);
-    return explanation;
-}
+constexpr auto check = checkStripped<AccountSeparators, Rule>;
+
+template <auto Rule>
+constexpr auto explain = explainStripped<AccountSeparators, Rule>;
 
 bool isValidAccount(std::u16string_view text) { return Validator::isValidIban(text) || Validator::isValidBban(text); }
 
@@ -79,10 +65,6 @@ Explanation explainAccount(std::u16string_view text) {
     const Explanation asIban = Validator::explainIban(text);
     const bool looksLikeBban = !text.empty() && text.front() >= u'0' && text.front() <= u'9';
     return asIban.isValid() || !looksLikeBban ? asIban : asBban;
-}
-
-std::u16string stripped(std::u16string_view text, const KindSettings&) {
-    return Formatter::strippedAccountNumber(text);
 }
 
 std::u16string formatIban(std::u16string_view text, const KindSettings&) {
@@ -97,17 +79,13 @@ std::u16string formatAccount(std::u16string_view text, const KindSettings&) {
     return Formatter::autoFormattedAccountNumber(text).value_or(u"");
 }
 
-constexpr KindOption kExact{"--exact", "", "take values as they stand, separators and all",
-                            [](KindSettings& settings, std::string_view) { return settings.exact = true; }};
-constexpr std::array kOptions{&kExact};
-
 constexpr std::array kKinds{
     Kind{"iban", "international account numbers", check<Validator::isValidIban>, explain<Validator::explainIban>,
-         stripped, formatIban, kOptions},
+         asStripped<AccountSeparators>, formatIban, kExactOption},
     Kind{"bban", "Belgian domestic account numbers", check<Validator::isValidBban>, explain<Validator::explainBban>,
-         stripped, formatBban, kOptions},
-    Kind{"account", "either of them", check<isValidAccount>, explain<explainAccount>, stripped, formatAccount,
-         kOptions},
+         asStripped<AccountSeparators>, formatBban, kExactOption},
+    Kind{"account", "either of them", check<isValidAccount>, explain<explainAccount>, asStripped<AccountSeparators>,
+         formatAccount, kExactOption},
 };
 
 }  // namespace

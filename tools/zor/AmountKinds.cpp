@@ -4,6 +4,7 @@
 // number that a text begins with.
 
 #include <tools/zor/KindGroups.h>
+#include <tools/zor/KindRules.h>
 
 #include <ZORFoundation/StringAmounts.h>
 #include <ZORFoundation/ZORAmountFormatter.h>
@@ -16,10 +17,6 @@ namespace zor {
 namespace {
 
 using namespace ZORFoundation;
-
-bool check(std::u16string_view text, const KindSettings&) { return StringExtension::isValidInputAmount(text); }
-
-Explanation explain(std::u16string_view text, const KindSettings&) { return StringExtension::explainInputAmount(text); }
 
 NSDecimalNumber amountOf(std::u16string_view text) {
     return ZORAmountFormatter::amountFromString(text).value_or(NSDecimalNumber::notANumber());
@@ -41,7 +38,8 @@ constexpr KindOption kLocale{"--locale", "LOCALE", "the writing of amounts: nl_B
 constexpr std::array kOptions{&kLocale};
 
 constexpr std::array kKinds{
-    Kind{"amount", "amounts of money as they are typed", check, explain, normalize, format, kOptions},
+    Kind{"amount", "amounts of money as they are typed", check<StringExtension::isValidInputAmount>,
+         explain<StringExtension::explainInputAmount>, normalize, format, kOptions, "digit"},
 };
 
 }  // namespace

@@ -2,6 +2,7 @@
 #include <tools/zor/CommandTables.h>
 
 #include <tools/zor/ByteInput.h>
+#include <tools/zor/NumberArgument.h>
 #include <tools/zor/filter/Output.h>
 
 #include <ZORFoundation/DataStreams.h>
@@ -13,7 +14,6 @@
 
 #include <algorithm>
 #include <array>
-#include <charconv>
 
 namespace zor {
 namespace {
@@ -38,13 +38,7 @@ Base64Codec codec(const Arguments& arguments) {
 
 std::size_t lineLength(const Arguments& arguments) {
     const auto given = arguments.value("--line-length");
-    if (!given) return 0;
-    std::size_t length = 0;
-    const auto read = std::from_chars(given->data(), given->data() + given->size(), length);
-    if (read.ec != std::errc{} || read.ptr != given->data() + given->size() || length > kLongestLine) {
-        throw UsageError("--line-length: a number from 0 to 1048576 is needed");
-    }
-    return length;
+    return given ? numberArgument("--line-length", *given, 0, kLongestLine) : 0;
 }
 
 void encodeLines(const std::string& path, std::size_t lineLength) {

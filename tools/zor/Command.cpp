@@ -51,7 +51,9 @@ ExitCode runWords(std::span<char* const> words) {
     const std::vector<Option> options = acceptedOptions(*command);
     const Arguments arguments = parseArguments(options, words.subspan(2));
     if (arguments.has(kHelp.name)) {
-        writeAll(STDOUT_FILENO, commandHelp(*command));
+        const Kind* kind =
+            command->takesKindOptions && !arguments.words.empty() ? findKind(arguments.words.front()) : nullptr;
+        writeAll(STDOUT_FILENO, kind == nullptr ? commandHelp(*command) : kindHelp(*command, *kind));
         return ExitCode::success;
     }
     return command->run(arguments);

@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <tools/zor/FilterArguments.h>
 
+#include <tools/zor/NumberArgument.h>
+
 #include <algorithm>
 #include <array>
-#include <charconv>
 #include <cstdlib>
 
 namespace zor {
@@ -34,16 +35,6 @@ constexpr std::size_t kMaximumJobs = 256;
 
 UsageError badValue(std::string_view option) {
     return UsageError(std::string(option).append(": not one of its values; see zor check --help"));
-}
-
-std::size_t number(std::string_view option, std::string_view text, std::size_t minimum, std::size_t maximum) {
-    std::size_t value = 0;
-    const auto read = std::from_chars(text.data(), text.data() + text.size(), value);
-    if (read.ec != std::errc{} || read.ptr != text.data() + text.size() || value < minimum || value > maximum) {
-        throw UsageError(std::string(option) + ": a number from " + std::to_string(minimum) + " to " +
-                         std::to_string(maximum) + " is needed");
-    }
-    return value;
 }
 
 template <typename Value, std::size_t Count>
@@ -124,7 +115,8 @@ void setFormats(const Source& source, FilterOptions& options) {
 }
 
 void setLayout(const Source& source, std::string_view emitted, Layout& layout) {
-    if (const auto field = source.value("--field")) layout.field = number("--field", *field, 1, kMaximumRecordBytes);
+    if (const auto field = source.value("--field"))
+        layout.field = numberArgument("--field", *field, 1, kMaximumRecordBytes);
     if (const auto key = source.value("--key")) layout.key = *key;
     layout.emitted = columnsNamed(source.value("--emit").value_or(emitted));
     if (findColumn(layout.key) != nullptr) throw UsageError("--key: the name of a result column");
@@ -168,10 +160,10 @@ FilterOptions filterOptions(const Kind& kind, const Arguments& arguments, std::s
         options.statistics = choice("--stats", *text, kForms);
     }
     if (const auto text = source.value("--max-record")) {
-        options.maxRecordBytes = number("--max-record", *text, 1, kMaximumRecordBytes);
+        options.maxRecordBytes = numberArgument("--max-record", *text, 1, kMaximumRecordBytes);
     }
     if (const auto text = source.value("--jobs")) {
-        options.jobs = static_cast<unsigned>(number("--jobs", *text, 1, kMaximumJobs));
+        options.jobs = static_cast<unsigned>(numberArgument("--jobs", *text, 1, kMaximumJobs));
     }
     return options;
 }
@@ -186,6 +178,8 @@ KindSettings kindSettings(const Kind& kind, const Arguments& arguments) {
         }
         if (!option->set(settings, value)) throw badValue(option->name);
     }
+    const std::string_view complaint = kind.complaint == nullptr ? "" : kind.complaint(settings);
+    if (!complaint.empty()) throw UsageError(std::string(kind.name).append(": ").append(complaint));
     return settings;
 }
 

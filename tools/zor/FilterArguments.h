@@ -20,7 +20,8 @@ namespace zor {
 
 /// What the options of kinds say.
 ///
-/// @throws UsageError for an option that the kind does not take, or a value that means nothing
+/// @throws UsageError for an option that the kind does not take, a value that means nothing, or options that do not go
+///         together
 [[nodiscard]] KindSettings kindSettings(const Kind& kind, const Arguments& arguments);
 
 }  // namespace zor

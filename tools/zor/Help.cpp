@@ -11,6 +11,7 @@ namespace {
 
 constexpr std::size_t kColumns = 80;
 constexpr std::size_t kIndent = 2;
+constexpr std::size_t kOptionWidth = 25;
 
 constexpr std::array kProgramOptions{
     Option{"--help", "", "this text; after a command: its options"},
@@ -25,7 +26,8 @@ void appendRow(std::string& text, std::string_view name, std::size_t nameWidth, 
 }
 
 // Words behind a label, broken at the width of a screen.
-void appendWords(std::string& text, std::string_view label, const std::vector<std::string_view>& words) {
+template <typename Words>
+void appendWords(std::string& text, std::string_view label, const Words& words) {
     std::string line(label);
     for (const std::string_view word : words) {
         if (line.size() + 1 + word.size() > kColumns) {
@@ -37,7 +39,8 @@ void appendWords(std::string& text, std::string_view label, const std::vector<st
     text.append(line).append("\n");
 }
 
-std::string spelling(const Option& option) {
+template <typename AnyOption>
+std::string spelling(const AnyOption& option) {
     std::string text(option.name);
     if (!option.placeholder.empty()) text.append("=").append(option.placeholder);
     return text;
@@ -84,14 +87,23 @@ std::string programHelp() {
 std::string commandHelp(const Command& command) {
     std::string text = "Usage: zor ";
     text.append(command.name).append(" ").append(command.synopsis).append("\n");
-    constexpr std::size_t kOptionWidth = 25;
     for (const Option& option : command.options) appendRow(text, spelling(option), kOptionWidth, option.help);
     if (command.takesKindOptions) {
-        for (const KindOption* option : kindOptions()) {
-            appendRow(text, spelling({option->name, option->placeholder, option->help}), kOptionWidth, option->help);
-        }
+        std::vector<std::string> spellings;
+        for (const KindOption* option : kindOptions()) spellings.push_back(spelling(*option));
+        appendWords(text, "Of single kinds:", spellings);
+        text.append("See also zor ").append(command.name).append(" KIND --help.\n");
     }
     return text;
+}
+
+std::string kindHelp(const Command& command, const Kind& kind) {
+    const std::string commandName = std::string("zor ").append(kind.check == nullptr ? "format" : command.name);
+    std::string text = "Usage: " + commandName;
+    text.append(" ").append(kind.name).append(" [VALUE...]\n");
+    appendRow(text, kind.name, kOptionWidth, kind.help);
+    for (const KindOption* option : kind.options) appendRow(text, spelling(*option), kOptionWidth, option->help);
+    return text.append("Without a VALUE also the options of ").append(commandName).append(" --help.\n");
 }
 
 std::string versionText(bool asJson) {

@@ -4,6 +4,7 @@
 // What the program says about itself, made from its tables.
 
 #include <tools/zor/Command.h>
+#include <tools/zor/Kind.h>
 
 #include <string>
 
@@ -12,8 +13,11 @@ namespace zor {
 /// `zor --help`: the commands and kinds.
 [[nodiscard]] std::string programHelp();
 
-/// `zor COMMAND --help`: the command's options; those of kinds in a line of their own.
+/// `zor COMMAND --help`: the command's options; of those of kinds, the names.
 [[nodiscard]] std::string commandHelp(const Command& command);
+
+/// `zor COMMAND KIND --help`: what the kind is, and its options.
+[[nodiscard]] std::string kindHelp(const Command& command, const Kind& kind);
 
 /// `zor --version`: one line. With `asJson`: the version of the library and of each table of rules, with its date.
 [[nodiscard]] std::string versionText(bool asJson);

@@ -4,7 +4,9 @@
 // What the command can check, explain and format: one row a kind, one source file a group of kinds.
 
 #include <ZORFoundation/Explanation.h>
+#include <ZORFoundation/Validation/InputValidator.h>
 
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -15,6 +17,10 @@ namespace zor {
 struct KindSettings {
     bool exact = false;                 ///< The value is taken as it stands; separators are not taken out first.
     std::string_view locale = "nl_BE";  ///< In whose writing a value is displayed.
+    std::optional<ZORFoundation::CharacterLimits> limits{};  ///< Absent where neither limit was given.
+    std::u16string pattern{};                                ///< Into which a value is laid.
+    std::u16string slot = u"X";                              ///< The character of the pattern that marks a slot.
+    std::u16string token{};                                  ///< What follows a telephone link.
 };
 
 /// An option that only some kinds take.
@@ -23,6 +29,7 @@ struct KindOption {
     std::string_view placeholder;  ///< Empty for a flag.
     std::string_view help;
     /// Stores `value`, empty for a flag. @return false when the value means nothing
+    /// @throws UsageError where there is more to say than that
     bool (*set)(KindSettings& settings, std::string_view value);
 };
 
@@ -31,6 +38,7 @@ struct KindOption {
 struct Kind {
     std::string_view name;
     std::string_view help;
+    /// Null, as `explain` then is, for a kind of which any text is one: it can only be formatted.
     bool (*check)(std::u16string_view text, const KindSettings& settings);
     /// Positions are those of the text as it was written. Valid exactly when `check` is true.
     ZORFoundation::Explanation (*explain)(std::u16string_view text, const KindSettings& settings);
@@ -38,7 +46,11 @@ struct Kind {
     std::u16string (*normalize)(std::u16string_view text, const KindSettings& settings);
     /// The form that people read.
     std::u16string (*format)(std::u16string_view text, const KindSettings& settings);
-    std::span<const KindOption* const> options;
+    std::span<const KindOption* const> options{};
+    /// One of what the lengths of an explanation count.
+    std::string_view counted = "character";
+    /// What is wrong with the options taken together, empty when nothing is. Null when nothing can be.
+    std::string_view (*complaint)(const KindSettings& settings) = nullptr;
 };
 
 /// The kinds of one source file, and the day on which what they accept last changed.

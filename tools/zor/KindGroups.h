@@ -9,5 +9,9 @@ namespace zor {
 
 extern const KindGroup kAccountKinds;
 extern const KindGroup kAmountKinds;
+extern const KindGroup kPaymentKinds;
+extern const KindGroup kIdentityKinds;
+extern const KindGroup kInputKinds;
+extern const KindGroup kDisplayKinds;
 
 }  // namespace zor

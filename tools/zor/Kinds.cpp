@@ -7,8 +7,7 @@ namespace zor {
 namespace {
 
 constexpr std::array kGroups{
-    &kAccountKinds,
-    &kAmountKinds,
+    &kAccountKinds, &kPaymentKinds, &kIdentityKinds, &kAmountKinds, &kInputKinds, &kDisplayKinds,
 };
 
 }  // namespace

@@ -10,7 +10,7 @@ namespace zor {
 namespace {
 
 constexpr std::array kGroups{
-    &kAccountKinds,
+    &kAccountKinds, &kPaymentKinds, &kIdentityKinds, &kInputKinds, &kDisplayKinds,
 };
 
 }  // namespace

@@ -30,11 +30,19 @@ struct Phrase {
 };
 
 constexpr std::array kPhrases{
-    Phrase{BrokenRule::empty, "nothing is left once separators are out"},
+    Phrase{BrokenRule::empty, "there is nothing to check"},
     Phrase{BrokenRule::unexpectedCharacter, "there is a character that does not belong there,"},
     Phrase{BrokenRule::incomplete, "the text ends too early,"},
     Phrase{BrokenRule::checkDigits, "the check digits do not belong to the rest,"},
 };
+
+// "1 digit", "2 digits", "3 letters of the last label".
+std::string countOf(std::size_t count, std::string_view counted) {
+    const std::size_t nounEnd = std::min(counted.find(' '), counted.size());
+    std::string text = std::to_string(count).append(" ").append(counted.substr(0, nounEnd));
+    if (count != 1) text += 's';
+    return text.append(counted.substr(nounEnd));
+}
 
 struct Judgement {
     bool valid = false;
@@ -47,7 +55,9 @@ Judgement judge(const Kind& kind, const KindSettings& settings, Answer answer, c
     if (!text) return {false, "bad_utf8: this is no UTF-8 text", value};
     Judgement judgement;
     judgement.valid = kind.check == nullptr || kind.check(*text, settings);
-    if (answer == Answer::explain && !judgement.valid) judgement.why = sentence(kind.explain(*text, settings));
+    if (answer == Answer::explain && !judgement.valid) {
+        judgement.why = sentence(kind.explain(*text, settings), kind.counted);
+    }
     if (answer == Answer::format) judgement.formatted = ZORPlatform::utf8(kind.format(*text, settings));
     return judgement;
 }
@@ -82,16 +92,16 @@ ExitCode answerValues(const Kind& kind, const KindSettings& settings, Answer ans
     return allValid ? ExitCode::success : ExitCode::someInvalid;
 }
 
-std::string sentence(const ZORFoundation::Explanation& explanation) {
+std::string sentence(const ZORFoundation::Explanation& explanation, std::string_view counted) {
     if (explanation.isValid()) return {};
     std::string text = std::string(name(explanation.rule)) + ": ";
     if (explanation.expected > 0) {
-        const bool countsDigits =
-            explanation.rule == BrokenRule::integerDigits || explanation.rule == BrokenRule::decimals;
-        text +=
-            "found " + std::to_string(explanation.found) + (countsDigits ? " digits" : " characters") + ", expected ";
+        text += "found " + countOf(explanation.found, counted) + ", expected ";
         if (explanation.rule == BrokenRule::tooShort) text += "at least ";
-        if (explanation.rule == BrokenRule::tooLong || countsDigits) text += "at most ";
+        const bool isBoundAbove = explanation.rule == BrokenRule::tooLong ||
+                                  explanation.rule == BrokenRule::integerDigits ||
+                                  explanation.rule == BrokenRule::decimals;
+        if (isBoundAbove) text += "at most ";
         text += std::to_string(explanation.expected);
         return text + (explanation.rule == BrokenRule::countryLength ? " in this country" : "");
     }

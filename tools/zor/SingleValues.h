@@ -8,6 +8,7 @@
 
 #include <span>
 #include <string>
+#include <string_view>
 
 namespace zor {
 
@@ -20,6 +21,8 @@ enum class Answer { check, format, explain };
                                     std::span<const std::string> values);
 
 /// What an explanation says, as a sentence without its end: "found 15 characters, expected 16".
-[[nodiscard]] std::string sentence(const ZORFoundation::Explanation& explanation);
+///
+/// @param counted  one of what its lengths count
+[[nodiscard]] std::string sentence(const ZORFoundation::Explanation& explanation, std::string_view counted);
 
 }  // namespace zor

@@ -2,6 +2,7 @@
 //
 // zor-filter: one file that an engine ships to where nothing is installed.
 
+#include "KindSamples.h"
 #include "ZorProcess.h"
 
 #include <gtest/gtest.h>
@@ -37,7 +38,21 @@ TEST(ZorFilterProgram, AnswersAsTheFullCommandDoes) {
         const Words words{"explain", kind, "--format=tsv", "--emit=verdict,reason,offset,normalized,formatted"};
         EXPECT_EQ(runZor(words, input, filterProgram()).out, runZor(words, input).out) << kind;
     }
+    for (const KindSample& sample : kKindSamples) {
+        if (sample.kind == "amount") continue;
+        Words words{"format", std::string(sample.kind), "--emit=verdict,reason,offset,normalized,formatted"};
+        if (!sample.option.empty()) words.emplace_back(sample.option);
+        const std::string values =
+            std::string(sample.valid) + "\n" + std::string(sample.invalid) + "\n\u0661\U0001F600\u0301x\xFF\n";
+        EXPECT_EQ(runZor(words, input + values, filterProgram()).out, runZor(words, input + values).out) << sample.kind;
+    }
     EXPECT_EQ(runZor({"check", "iban", "--jobs=4"}, input, filterProgram()).out, runZor({"check", "iban"}, input).out);
+}
+
+TEST(ZorFilterProgram, RefusesKindsThatNeedLocaleData) {
+    const RunResult result = runZor({"check", "amount"}, "12\n", filterProgram());
+    EXPECT_EQ(result.exitCode, 2);
+    EXPECT_EQ(result.out, "");
 }
 
 TEST(ZorFilterProgram, NamesItsVersion) {

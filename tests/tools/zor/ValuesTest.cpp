@@ -42,7 +42,7 @@ TEST(ZorValues, ExplanationsNameTheRuleAndThePlaceInTheTextAsTyped) {
     EXPECT_EQ(runZor({"explain", "iban", std::string(33, '1')}).out,
               std::string(33, '1') + ": invalid, tooLong: found 33 characters, expected at most 32\n");
     EXPECT_EQ(runZor({"explain", "account", "539"}).out, "539: invalid, length: found 3 characters, expected 12\n");
-    EXPECT_EQ(runZor({"explain", "iban", ""}).out, ": invalid, empty: nothing is left once separators are out\n");
+    EXPECT_EQ(runZor({"explain", "iban", ""}).out, ": invalid, empty: there is nothing to check\n");
     EXPECT_EQ(runZor({"explain", "iban", "be68539007547034"}).out, "be68539007547034: valid\n");
 }
 

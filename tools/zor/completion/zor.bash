@@ -15,11 +15,25 @@ _zor_file_or() {
   fi
 }
 
+# Options that only some kinds take.
+_zor_kind_options() {
+  case $1 in
+    iban | bban | account | comment) echo "--exact" ;;
+    amount) echo "--locale=" ;;
+    name | text | postal-code) echo "--min= --max=" ;;
+    phone) echo "--token=" ;;
+    pattern) echo "--pattern= --slot=" ;;
+  esac
+}
+
 _zor() {
-  local kinds="iban bban account amount"
+  local kinds="iban bban account card comment bcmc national-number registration-number document-number id-card
+    access-number amount email mobile-phone street house-number box-number postal-code belgian-postal-code name
+    business-name text pin backend-text message"
+  local displays="phone challenge login-code pattern"
   local commands="check format explain error-code hash base64 encrypt decrypt"
   local filter_options="--format= --in= --out= --field= --key= --emit= --labels= --null= --sep= --flush=
-    --chunk-header --max-record= --keep-cr --jobs= --stats= --fail-on-invalid --no-env --exact --locale= --help"
+    --chunk-header --max-record= --keep-cr --jobs= --stats= --fail-on-invalid --no-env --help"
   local current=${COMP_WORDS[COMP_CWORD]} option=
   COMPREPLY=()
 
@@ -49,9 +63,10 @@ _zor() {
   case ${COMP_WORDS[1]} in
     check | format | explain)
       if [[ $COMP_CWORD -eq 2 && $current != -* ]]; then
+        [[ ${COMP_WORDS[1]} == format ]] && kinds+=" $displays"
         _zor_words "$kinds" "$current"
       else
-        _zor_words "$filter_options" "$current"
+        _zor_words "$filter_options $(_zor_kind_options "${COMP_WORDS[2]-}")" "$current"
         [[ ${COMPREPLY[0]-} == *= ]] && compopt -o nospace
       fi
       ;;

@@ -1,7 +1,10 @@
 # SPDX-License-Identifier: Apache-2.0
 # fish completion for zor
 
-set -l kinds iban bban account amount
+set -l kinds iban bban account card comment bcmc national-number registration-number document-number id-card \
+    access-number amount email mobile-phone street house-number box-number postal-code belgian-postal-code name \
+    business-name text pin backend-text message
+set -l displays phone challenge login-code pattern
 set -l commands check format explain error-code hash base64 encrypt decrypt
 set -l formats "plain tsv tsv-raw csv jsonl"
 set -l no_command "not __fish_seen_subcommand_from $commands"
@@ -20,7 +23,9 @@ complete -c zor -n $no_command -l version -d "the version"
 complete -c zor -n $no_command -l json -d "the version with the tables, as JSON"
 complete -c zor -l help -d "help"
 
-complete -c zor -n "$kind_command; and not __fish_seen_subcommand_from $kinds" -a "$kinds"
+set -l no_kind "not __fish_seen_subcommand_from $kinds $displays"
+complete -c zor -n "$kind_command; and $no_kind" -a "$kinds"
+complete -c zor -n "__fish_seen_subcommand_from format; and $no_kind" -a "$displays"
 complete -c zor -n $kind_command -l format -x -a $formats -d "of input and output"
 complete -c zor -n $kind_command -l in -x -a $formats -d "of the input"
 complete -c zor -n $kind_command -l out -x -a $formats -d "of the output"
@@ -38,8 +43,15 @@ complete -c zor -n $kind_command -l jobs -x -d "threads"
 complete -c zor -n $kind_command -l stats -x -a "stderr hadoop" -d "counts at the end"
 complete -c zor -n $kind_command -l fail-on-invalid -d "exit status 1 when a record is invalid"
 complete -c zor -n $kind_command -l no-env -d "do not read the environment"
-complete -c zor -n $kind_command -l exact -d "take values as they stand"
-complete -c zor -n $kind_command -l locale -x -d "the writing of amounts"
+
+set -l limited "__fish_seen_subcommand_from name text postal-code"
+complete -c zor -n "__fish_seen_subcommand_from iban bban account comment" -l exact -d "take values as they stand"
+complete -c zor -n "__fish_seen_subcommand_from amount" -l locale -x -d "the writing of amounts"
+complete -c zor -n $limited -l min -x -d "the fewest characters"
+complete -c zor -n $limited -l max -x -d "the most characters"
+complete -c zor -n "__fish_seen_subcommand_from phone" -l token -x -d "what follows the link"
+complete -c zor -n "__fish_seen_subcommand_from pattern" -l pattern -x -d "slots and what stands between"
+complete -c zor -n "__fish_seen_subcommand_from pattern" -l slot -x -d "what marks a slot"
 
 set -l data_command "__fish_seen_subcommand_from hash base64 encrypt decrypt"
 set -l cipher_command "__fish_seen_subcommand_from encrypt decrypt"

@@ -31,7 +31,7 @@ Engine::Engine(const FilterOptions& options)
     : options_(options),
       reader_(options.in->makeReader(options.inLayout)),
       writer_(options.out->makeWriter(options.outLayout, FormatPair{*options.in, *options.out, *reader_})),
-      needsExplanation_(anyNeeds(options.outLayout, Column::Needs::explanation)),
+      needsExplanation_(options.kind->explain != nullptr && anyNeeds(options.outLayout, Column::Needs::explanation)),
       needsNormalized_(anyNeeds(options.outLayout, Column::Needs::normalized)),
       needsFormatted_(anyNeeds(options.outLayout, Column::Needs::formatted)) {
     const Layout& layout = options.outLayout;
@@ -139,6 +139,7 @@ void Engine::judge(std::u16string_view text) {
         // A kind that can only be formatted has nothing to hold against a text.
         const bool isValid = kind.check == nullptr || kind.check(text, options_.settings);
         outcome_.verdict = isValid ? Verdict::valid : Verdict::invalid;
+        outcome_.reason = name(ZORFoundation::BrokenRule::none);
     }
     if (needsNormalized_) {
         normalized_ = ZORPlatform::utf8(kind.normalize(text, options_.settings));
