@@ -135,6 +135,46 @@ TEST(ZorUsage, MistakesExitWithTwoAndOneLine) {
     }
 }
 
+TEST(ZorUsage, AnOptionNeedsItsValueAndAFlagHasNone) {
+    for (const Words& words : {Words{"--field="}, Words{"--field"}, Words{"--field=", "2"}}) {
+        Words all{"check", "iban"};
+        all.insert(all.end(), words.begin(), words.end());
+        const RunResult result = runZor(all, "x\n");
+        EXPECT_EQ(result.err, "zor: --field: a value is missing\n") << ::testing::PrintToString(words);
+        EXPECT_EQ(result.exitCode, 2);
+    }
+    EXPECT_EQ(runZor({"check", "iban", "--keep-cr=false"}, "x\n").err, "zor: --keep-cr: takes no value\n");
+    EXPECT_EQ(runZor({"check", "iban", "--field", "2", "--format", "csv"}, "x,BE68539007547034\n").out,
+              "x,BE68539007547034,1\n");
+}
+
+TEST(ZorUsage, ShowsNoMoreOfAWrongWordThanTheNameOfAnOption) {
+    EXPECT_EQ(runZor({"check", "iban", "--filed=SECRET"}).err,
+              "zor: --filed: there is no such option; see zor --help\n");
+    for (const char* word : {"-SECRET", "--SECRET", "--secret SECRET", "-x=SECRET"}) {
+        EXPECT_EQ(runZor({"check", "iban", word}).err,
+                  "zor: a word that begins with \"-\" is no option; put -- before such values, or see zor --help\n");
+    }
+    for (const Words& words : {Words{"SECRET"}, Words{"check", "SECRET"}, Words{"check", "iban", "--format=SECRET"},
+                               Words{"check", "iban", "--field=SECRET"}, Words{"check", "iban", "--emit=SECRET"},
+                               Words{"check", "name", "--min=SECRET"}, Words{"error-code", "a", "SECRET"}}) {
+        const RunResult result = runZor(words);
+        EXPECT_EQ(result.exitCode, 2);
+        EXPECT_EQ(result.err.find("SECRET"), std::string::npos) << result.err;
+    }
+}
+
+TEST(ZorUsage, AnyOtherWordIsAValueAsItStands) {
+    for (const char* word :
+         {"[a,b]", "[]", "{}", "\"a\"", "'a'", "%%", "-", "-5", "-1x", "++x", "/x", "@x", "a=b", ""}) {
+        EXPECT_EQ(runZor({"format", "bcmc", word}).out, std::string(word) + "\n");
+    }
+    for (const char* word : {"-x", "--help", "--", "--field=2"}) {
+        EXPECT_EQ(runZor({"format", "bcmc", "--", word}).out, std::string(word) + "\n");
+    }
+    EXPECT_EQ(runZor({"format", "bcmc", "a", "--", "b"}).out, "a\nb\n");
+}
+
 TEST(ZorVersion, NamesTheLibraryAndItsTables) {
     EXPECT_EQ(runZor({"--version"}).out, "zor " ZOR_TEST_VERSION "\n");
     const std::string json = runZor({"--version", "--json"}).out;
