@@ -3,6 +3,7 @@
 
 // Everything that the library offers, for applications. A source of the library's own includes what it needs.
 
+#include <ZORFoundation/ArrayExtension.h>
 #include <ZORFoundation/Concurrency/CallbackList.h>
 #include <ZORFoundation/Concurrency/Future.h>
 #include <ZORFoundation/Concurrency/FutureCallbacks.h>
@@ -35,6 +36,7 @@
 #include <ZORFoundation/Security/CommonCryptoErrorDomain.h>
 #include <ZORFoundation/StringAmounts.h>
 #include <ZORFoundation/StringChecks.h>
+#include <ZORFoundation/StringExtension.h>
 #include <ZORFoundation/StringPatterns.h>
 #include <ZORFoundation/Text.h>
 #include <ZORFoundation/Validation/InputValidator.h>
@@ -51,10 +53,15 @@
 #include <ZORFoundation/ZORCommentFormatter.h>
 #include <ZORFoundation/ZORCommentValidator.h>
 #include <ZORFoundation/ZORFileSystemObserver.h>
+#include <ZORFoundation/ZORExtra.h>
+#include <ZORFoundation/ZORFill.h>
 #include <ZORFoundation/ZORHash.h>
 #include <ZORFoundation/ZORMD5Hash.h>
 #include <ZORFoundation/ZORMod97.h>
+#include <ZORFoundation/ZORName.h>
 #include <ZORFoundation/ZORNationalRegistrationNumberValidator.h>
 #include <ZORFoundation/ZORNumberFormatters.h>
 #include <ZORFoundation/ZORPhoneNumberFormatter.h>
 #include <ZORFoundation/ZORResult.h>
+#include <ZORFoundation/ZORRuntimeUtils.h>
+#include <ZORFoundation/ZORSubstringSearch.h>

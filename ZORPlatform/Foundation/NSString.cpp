@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <ZORPlatform/Foundation/NSString.h>
 
+#include <ZORPlatform/Foundation/Text.h>
+
 #include <algorithm>
 #include <charconv>
 #include <limits>
@@ -28,6 +30,14 @@ std::int64_t longLongValue(std::u16string_view text) noexcept {
 std::int32_t intValue(std::u16string_view text) noexcept {
     return static_cast<std::int32_t>(std::clamp<std::int64_t>(
         longLongValue(text), std::numeric_limits<std::int32_t>::min(), std::numeric_limits<std::int32_t>::max()));
+}
+
+bool boolValue(std::u16string_view text) noexcept {
+    std::size_t at = 0;
+    while (at < text.size() && (isWhitespace(text[at]) || isNewline(text[at]))) ++at;
+    if (at < text.size() && (text[at] == u'+' || text[at] == u'-')) ++at;
+    while (at < text.size() && text[at] == u'0') ++at;
+    return at < text.size() && std::u16string_view(u"YyTt123456789").find(text[at]) != std::u16string_view::npos;
 }
 
 std::u16string decimalText(std::int64_t value) {

@@ -22,6 +22,10 @@ inline constexpr std::u16string_view kAbsentObjectText = u"(null)";
 /// `intValue`: as `longLongValue`, saturating at the limits of 32 bits. Pure.
 [[nodiscard]] std::int32_t intValue(std::u16string_view text) noexcept;
 
+/// `boolValue`: whether, behind leading white space and line ends, one optional sign and zeros, `text` goes on with one
+/// of "YyTt" or a digit from 1 to 9. What follows is not read; the empty text is false. Pure.
+[[nodiscard]] bool boolValue(std::u16string_view text) noexcept;
+
 /// The format "%ld": decimal, a minus sign where negative, no grouping in any locale. Pure.
 [[nodiscard]] std::u16string decimalText(std::int64_t value);
 

@@ -16,6 +16,7 @@
 #include <cstdint>
 #include <cstring>
 #include <memory>
+#include <new>
 
 namespace ZORPlatform {
 namespace {
@@ -83,6 +84,14 @@ icu::UnicodeString readOnlyAlias(std::u16string_view text) {
     return {false, text.data(), static_cast<std::int32_t>(text.size())};
 }
 
+icu::UnicodeString decomposed(const icu::UnicodeString& text) {
+    UErrorCode status = U_ZERO_ERROR;
+    icu::UnicodeString form = icu::Normalizer2::getNFDInstance(status)->normalize(text, status);
+    // ICU refuses a text of more than two thousand million units, and nothing else.
+    if (U_FAILURE(status)) throw std::bad_alloc();
+    return form;
+}
+
 }  // namespace
 
 std::size_t characterEndByRules(std::u16string_view text, std::size_t begin) {
@@ -122,15 +131,19 @@ std::size_t characterIndex(std::u16string_view text, std::size_t position) {
 
 bool canonicallyEqualByForms(std::u16string_view left, std::u16string_view right) {
     if (left == right) return true;
-    const auto isPlain = [](char16_t unit) { return unit < kFirstDecomposable; };
-    if (std::all_of(left.begin(), left.end(), isPlain) && std::all_of(right.begin(), right.end(), isPlain)) {
-        return false;
-    }
-    UErrorCode status = U_ZERO_ERROR;
-    const icu::Normalizer2* decompose = icu::Normalizer2::getNFDInstance(status);
-    const icu::UnicodeString leftForm = decompose->normalize(readOnlyAlias(left), status);
-    const icu::UnicodeString rightForm = decompose->normalize(readOnlyAlias(right), status);
-    return U_SUCCESS(status) && leftForm == rightForm;
+    if (allBelow(left, kFirstDecomposable) && allBelow(right, kFirstDecomposable)) return false;
+    return decomposed(readOnlyAlias(left)) == decomposed(readOnlyAlias(right));
+}
+
+std::u16string canonicalDecomposition(std::u16string_view text) {
+    if (allBelow(text, kFirstDecomposable)) return std::u16string(text);
+    return toString(decomposed(readOnlyAlias(text)));
+}
+
+std::u16string canonicalCaseFolding(std::u16string_view text) {
+    if (allBelow(text, kFirstWithUpperCase)) return lowercased(text);
+    // Folding takes U+0345 for a letter, so the marks stand in their order before; and it may put them out of it.
+    return toString(decomposed(decomposed(readOnlyAlias(text)).foldCase()));
 }
 
 void appendScalar(std::u16string& text, char32_t scalar) {

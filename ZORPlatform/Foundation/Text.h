@@ -63,6 +63,14 @@ inline constexpr char16_t kFirstDecomposable = 0xC0;
     return canonicallyEqualByForms(left, right);
 }
 
+/// The full canonical decomposition of `text`, its marks in canonical order (normalisation form D). Texts are
+/// canonically equal exactly when these are the same.
+[[nodiscard]] ZOR_EXPORT std::u16string canonicalDecomposition(std::u16string_view text);
+
+/// The full canonical decomposition of `text` without its case: "\u00DF" and "SS" both give "ss", and so do all
+/// canonically equivalent spellings. No locale has a say, so the dotless i stays.
+[[nodiscard]] ZOR_EXPORT std::u16string canonicalCaseFolding(std::u16string_view text);
+
 /// A Unicode scalar, or a lone surrogate, and the position after it.
 struct ScalarStep {
     char32_t scalar;

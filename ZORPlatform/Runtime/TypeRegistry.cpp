@@ -5,8 +5,13 @@
 #include <ZORPlatform/Foundation/NSError.h>
 #include <ZORPlatform/Foundation/NSException.h>
 #include <ZORPlatform/Foundation/NSNull.h>
+#include <ZORPlatform/Foundation/Utf.h>
+
+#include <cxxabi.h>
 
 #include <cstdint>
+#include <cstdlib>
+#include <memory>
 #include <mutex>
 #include <string>
 #include <vector>
@@ -69,6 +74,23 @@ std::optional<TypeDescriptor> superclassOf(const TypeDescriptor& descriptor) noe
     if (entry == nullptr || entry->superclass == nullptr) return std::nullopt;
     const TypeEntry* superclass = findUnlocked(*entry->superclass);
     return superclass != nullptr ? std::optional(TypeDescriptor(*superclass)) : std::nullopt;
+}
+
+std::vector<RegisteredType> registeredTypes() {
+    std::vector<RegisteredType> types;
+    const std::scoped_lock lock(registryMutex);
+    for (const TypeEntry* entry = firstEntry; entry != nullptr; entry = entry->next) types.push_back(*entry);
+    return types;
+}
+
+std::u16string className(const std::type_info& type) {
+    if (const std::optional<TypeDescriptor> descriptor = findTypeDescriptor(type)) {
+        return std::u16string(descriptor->name());
+    }
+    int status = 0;
+    const std::unique_ptr<char, decltype(&std::free)> name(abi::__cxa_demangle(type.name(), nullptr, nullptr, &status),
+                                                           &std::free);
+    return utf16(name ? name.get() : type.name());
 }
 
 }  // namespace ZORPlatform

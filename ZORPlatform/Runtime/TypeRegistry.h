@@ -13,18 +13,24 @@
 #include <array>
 #include <optional>
 #include <span>
+#include <string>
 #include <string_view>
 #include <type_traits>
 #include <typeinfo>
+#include <vector>
 
 namespace ZORPlatform {
 
-/// What the registry keeps of a type. Made by `TypeRegistration`; lives as long as that object.
-struct TypeEntry {
+/// What the registry knows of a type. Valid as long as the type's registration lives.
+struct RegisteredType {
     std::u16string_view name;
     const std::type_info* type;
-    const std::type_info* superclass;  ///< Null for a root class.
-    std::span<const std::type_info* const> protocols;
+    const std::type_info* superclass;                  ///< Null for a root class.
+    std::span<const std::type_info* const> protocols;  ///< What the type itself declares.
+};
+
+/// A type's place in the registry. Made by `TypeRegistration`; lives as long as that object.
+struct TypeEntry : RegisteredType {
     TypeEntry* previous = nullptr;
     TypeEntry* next = nullptr;
 };
@@ -65,6 +71,13 @@ template <class Type>
     return findTypeDescriptor(typeid(Type));
 }
 
+/// `objc_getClassList`: all registered types, in the order of their registration. Thread-safe.
+[[nodiscard]] ZOR_EXPORT std::vector<RegisteredType> registeredTypes();
+
+/// `NSStringFromClass`: the name under which a type is registered, or else the qualified name that it has in C++, such
+/// as u"shop::Basket". Thread-safe.
+[[nodiscard]] ZOR_EXPORT std::u16string className(const std::type_info& type);
+
 /// Links an entry at the end of the registry. Takes no memory. Thread-safe.
 ZOR_EXPORT void linkTypeEntry(TypeEntry& entry) noexcept;
 /// Takes an entry out of the registry. Thread-safe.
@@ -79,7 +92,7 @@ class TypeRegistration {
 public:
     /// @param name  must outlive the registration: a literal
     explicit TypeRegistration(std::u16string_view name) noexcept
-        : entry_{name, &typeid(Type), superclass(), kProtocols} {
+        : entry_{{name, &typeid(Type), superclass(), kProtocols}} {
         linkTypeEntry(entry_);
     }
     ~TypeRegistration() { unlinkTypeEntry(entry_); }
@@ -91,6 +104,8 @@ private:
         if constexpr (std::is_void_v<Superclass>) {
             return nullptr;
         } else {
+            static_assert(std::is_base_of_v<Superclass, Type> && !std::is_same_v<Superclass, Type>,
+                          "a type's superclass must be one of its base classes");
             return &typeid(Superclass);
         }
     }

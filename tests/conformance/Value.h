@@ -89,6 +89,8 @@ public:
 
     [[nodiscard]] bool isText() const noexcept { return std::holds_alternative<Text>(content_); }
 
+    [[nodiscard]] bool isList() const noexcept { return std::holds_alternative<List>(content_); }
+
     // Reading a value as an argument. All throw WrongKind. Views live as long as the value, and what they show ends
     // where its memory ends, so that the address sanitizer sees a read past it.
 

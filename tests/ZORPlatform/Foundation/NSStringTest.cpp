@@ -98,5 +98,16 @@ TEST(NSString, DecimalTextHasAMinusSignAndNoGrouping) {
     EXPECT_EQ(decimalText(kSmallest), u"-9223372036854775808");
 }
 
+TEST(NSString, BoolValueReadsOneUnitBehindWhiteSpaceSignAndZeros) {
+    for (const std::u16string_view text : {u"1", u"9", u"Y", u"y", u"T", u"t", u"yes", u"true", u" \u00A0\u2003\u200B1",
+                                           u"\t\n\r\u0085\u2028Y", u"+1", u"-1", u"0007", u"+00y", u"-0t", u"1abc"}) {
+        EXPECT_TRUE(boolValue(text)) << ::testing::PrintToString(text);
+    }
+    for (const std::u16string_view text : {u"", u" ", u"+", u"0", u"000", u"N", u"no", u"false", u"on", u"+-1", u"- 1",
+                                           u"0.5", u"0 1", u"x1", u"\u0001y", u"\u0661", u"\u0177"}) {
+        EXPECT_FALSE(boolValue(text)) << ::testing::PrintToString(text);
+    }
+}
+
 }  // namespace
 }  // namespace ZORPlatform

@@ -243,5 +243,29 @@ TEST(Text, LettersIncludeMarksAndLeaveOutNumbers) {
     }
 }
 
+TEST(Text, CanonicalFormsAreTheSameForEquivalentSpellings) {
+    EXPECT_EQ(canonicalDecomposition(u"a1"), u"a1");
+    EXPECT_EQ(canonicalDecomposition(u"\u00E9"), u"e\u0301");
+    EXPECT_EQ(canonicalDecomposition(u"q\u0307\u0323"), u"q\u0323\u0307");
+    EXPECT_EQ(canonicalDecomposition(u"\uFB01\xD83D"), u"\uFB01\xD83D");
+    EXPECT_EQ(canonicalCaseFolding(u"Ab[1"), u"ab[1");
+    EXPECT_EQ(canonicalCaseFolding(u"\u00DF\uFB01\u0130"), u"ssfii\u0307");
+    EXPECT_EQ(canonicalCaseFolding(u"\u00C9"), canonicalCaseFolding(u"e\u0301"));
+    EXPECT_EQ(canonicalCaseFolding(u"\u0131"), u"\u0131");
+    // U+0345 becomes a letter, behind marks that it stood before.
+    EXPECT_EQ(canonicalCaseFolding(u"\u03B1\u0345\u0301"), canonicalCaseFolding(u"\u03B1\u0301\u0345"));
+}
+
+TEST(Text, EveryUnitFoldsAsIcuFoldsIt) {
+    UErrorCode status = U_ZERO_ERROR;
+    const icu::Normalizer2* decompose = icu::Normalizer2::getNFDInstance(status);
+    for (unsigned unit = 0; unit < 0x10000; ++unit) {
+        const std::u16string text(1, static_cast<char16_t>(unit));
+        ASSERT_EQ(canonicalCaseFolding(text),
+                  toUtf16(decompose->normalize(decompose->normalize(toIcu(text), status).foldCase(), status)))
+            << std::hex << unit;
+    }
+}
+
 }  // namespace
 }  // namespace ZORPlatform

@@ -1,0 +1,19 @@
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+// A look at markup before it is parsed. The parser's time grows with the square of the depth of its document and of the
+// number of a tag's attributes, so that half a megabyte of tags would keep it busy for ten seconds.
+
+#include <string_view>
+
+namespace ZORPlatform {
+
+/// Whether the markup nests elements more than 512 deep, or has a tag with more attributes than that.
+///
+/// A guess from tags alone. It goes through the open elements as the HTML standard does, as far as that decides how
+/// many there are; elements whose end tag may be left out and that end one another do not count.
+///
+/// Pure, in linear time.
+[[nodiscard]] bool isNestedTooDeep(std::string_view markup);
+
+}  // namespace ZORPlatform
