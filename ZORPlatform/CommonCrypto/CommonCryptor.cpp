@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <ZORPlatform/CommonCrypto/CommonCryptor.h>
 
-#include <openssl/err.h>
+#include <ZORPlatform/CommonCrypto/ErrorQueueMarkInternal.h>
+
 #include <openssl/evp.h>
 
 #include <algorithm>
@@ -24,10 +25,8 @@ constexpr std::array<const char*, 2 * kKeySizes.size()> kNames = {"AES-128-CBC",
 template <std::size_t kIndex>
 const EVP_CIPHER* fetched() {
     static const EVP_CIPHER* const cipher = [] {
-        ERR_set_mark();
-        const EVP_CIPHER* found = EVP_CIPHER_fetch(nullptr, kNames[kIndex], nullptr);
-        ERR_pop_to_mark();
-        return found;
+        const ErrorQueueMark mark;
+        return EVP_CIPHER_fetch(nullptr, kNames[kIndex], nullptr);
     }();
     return cipher;
 }

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <ZORPlatform/CommonCrypto/CommonDigest.h>
 
+#include <ZORPlatform/CommonCrypto/ErrorQueueMarkInternal.h>
 #include <ZORPlatform/Foundation/NSException.h>
 
-#include <openssl/err.h>
 #include <openssl/evp.h>
 
 #include <array>
@@ -37,9 +37,8 @@ constexpr const AlgorithmName& nameOf(CCDigestAlgorithm algorithm) noexcept {
 template <CCDigestAlgorithm kAlgorithm>
 const EVP_MD* fetched() {
     static const EVP_MD* const algorithm = [] {
-        ERR_set_mark();
+        const ErrorQueueMark mark;
         const EVP_MD* found = EVP_MD_fetch(nullptr, nameOf(kAlgorithm).fetched, nullptr);
-        ERR_pop_to_mark();
         if (found == nullptr) throwUnavailable(kAlgorithm);
         return found;
     }();
