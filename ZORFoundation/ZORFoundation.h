@@ -34,6 +34,7 @@
 #include <ZORFoundation/RawValue.h>
 #include <ZORFoundation/ResultStorage.h>
 #include <ZORFoundation/Security/CommonCryptoErrorDomain.h>
+#include <ZORFoundation/Security/ZORSecurity.h>
 #include <ZORFoundation/StringAmounts.h>
 #include <ZORFoundation/StringChecks.h>
 #include <ZORFoundation/StringExtension.h>

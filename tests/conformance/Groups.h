@@ -16,6 +16,7 @@ void registerErrorOperations(Operations& operations);
 void registerIdentityNumberOperations(Operations& operations);
 void registerInputValidationOperations(Operations& operations);
 void registerPatternOperations(Operations& operations);
+void registerSecurityOperations(Operations& operations);
 void registerStringOperations(Operations& operations);
 void registerStructuredCommentOperations(Operations& operations);
 

@@ -29,6 +29,7 @@ constexpr void (*kGroups[])(Operations&) = {
     registerIdentityNumberOperations,
     registerInputValidationOperations,
     registerPatternOperations,
+    registerSecurityOperations,
     registerStringOperations,
     registerStructuredCommentOperations,
 };
