@@ -216,6 +216,7 @@ template <typename Unit>
                                               _mm256_and_si256(isUpper, _mm256_set1_epi8(13)));
         storeCharacters(text, _mm256_add_epi8(values, _mm256_shuffle_epi8(offsets, index)));
     }
+    _mm256_zeroupper();
     encodePortable(bytes, groups, text);
 }
 
@@ -242,6 +243,7 @@ template <typename Unit>
         _mm_storeu_si128(reinterpret_cast<__m128i*>(bytes), _mm256_castsi256_si128(joined));
         _mm_storel_epi64(reinterpret_cast<__m128i*>(bytes + 16), _mm256_extracti128_si256(joined, 1));
     }
+    _mm256_zeroupper();
     return done + decodePortable(text, groups - done, bytes);
 }
 

@@ -63,6 +63,7 @@ void encodePortable(const std::uint8_t* bytes, std::size_t count, HexDigits digi
         _mm256_storeu_si256(reinterpret_cast<__m256i*>(text + 2 * i),
                             _mm256_shuffle_epi8(table, _mm256_or_si256(halves, upperBytes)));
     }
+    _mm256_zeroupper();
     encodePortable(bytes + i, count - i, digits, text + 2 * i);
 }
 
