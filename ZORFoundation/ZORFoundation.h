@@ -53,8 +53,8 @@
 #include <ZORFoundation/ZORChallengeResponseFormatter.h>
 #include <ZORFoundation/ZORCommentFormatter.h>
 #include <ZORFoundation/ZORCommentValidator.h>
-#include <ZORFoundation/ZORFileSystemObserver.h>
 #include <ZORFoundation/ZORExtra.h>
+#include <ZORFoundation/ZORFileSystemObserver.h>
 #include <ZORFoundation/ZORFill.h>
 #include <ZORFoundation/ZORHash.h>
 #include <ZORFoundation/ZORMD5Hash.h>
