@@ -3,8 +3,10 @@
 
 // Everything below a directory, one path at a time.
 //
-//     auto enumerator = NSFileManager::enumeratorAtPath("/var/lib/bank");
+//     auto enumerator = NSDirectoryEnumerator::ofDirectory("/var/lib/bank");
 //     while (const auto path = enumerator->nextObject()) show(*path);      // "Logs", "Logs/2018", "Logs/2018/a.txt"
+
+#include <ZORPlatform/Export.h>
 
 #include <cstddef>
 #include <filesystem>
@@ -19,7 +21,7 @@ namespace ZORPlatform {
 /// that cannot be read is listed, and what it holds is passed over. Each directory is read when its turn comes.
 ///
 /// One object belongs to one thread at a time.
-class NSDirectoryEnumerator {
+class ZOR_EXPORT NSDirectoryEnumerator {
 public:
     /// Absent when the directory cannot be opened. A link to a directory may stand for it.
     [[nodiscard]] static std::optional<NSDirectoryEnumerator> ofDirectory(const std::filesystem::path& directory);

@@ -4,6 +4,7 @@
 // What the platform keeps beside a file's content. Here: that backups leave the file out, in the extended attribute
 // "user.xdg.robots.backup", whose value "false" is the desktop's convention for it.
 
+#include <ZORPlatform/Export.h>
 #include <ZORPlatform/Foundation/NSError.h>
 
 #include <filesystem>
@@ -12,7 +13,7 @@
 namespace ZORPlatform {
 
 /// Values of a file or directory, by its path. A symbolic link stands for what it leads to. Thread-safe.
-class NSURLResourceValues {
+class ZOR_EXPORT NSURLResourceValues {
 public:
     NSURLResourceValues() = delete;
 

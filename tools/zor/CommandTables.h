@@ -21,4 +21,9 @@ extern const Command kBase64Command;
 extern const Command kEncryptCommand;
 extern const Command kDecryptCommand;
 
+// Files: settings, watching, and what backups leave out.
+extern const Command kSettingsCommand;
+extern const Command kWatchCommand;
+extern const Command kBackupExclusionCommand;
+
 }  // namespace zor

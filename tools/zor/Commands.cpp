@@ -7,8 +7,9 @@ namespace zor {
 namespace {
 
 constexpr std::array kCommands{
-    &kCheckCommand, &kFormatCommand, &kExplainCommand, &kErrorCodeCommand,
-    &kHashCommand,  &kBase64Command, &kEncryptCommand, &kDecryptCommand,
+    &kCheckCommand,    &kFormatCommand, &kExplainCommand,         &kErrorCodeCommand,
+    &kHashCommand,     &kBase64Command, &kEncryptCommand,         &kDecryptCommand,
+    &kSettingsCommand, &kWatchCommand,  &kBackupExclusionCommand,
 };
 
 }  // namespace

@@ -31,7 +31,8 @@ _zor() {
     access-number amount email mobile-phone street house-number box-number postal-code belgian-postal-code name
     business-name text pin backend-text message"
   local displays="phone challenge login-code pattern"
-  local commands="check format explain error-code hash base64 encrypt decrypt"
+  local commands="check format explain error-code hash base64 encrypt decrypt settings
+    watch exclude-from-backup"
   local filter_options="--format= --in= --out= --field= --key= --emit= --labels= --null= --sep= --flush=
     --chunk-header --max-record= --keep-cr --jobs= --stats= --fail-on-invalid --no-env --help"
   local current=${COMP_WORDS[COMP_CWORD]} option=
@@ -52,7 +53,8 @@ _zor() {
     --codec) _zor_words "zoraescrypt zorbase64" "$current"; return ;;
     --cipher) _zor_words "aes256 aes128" "$current"; return ;;
     --key-overflow) _zor_words "zero" "$current"; return ;;
-    --key-file) mapfile -t COMPREPLY < <(compgen -f -- "$current"); return ;;
+    --type) _zor_words "string integer real boolean date data xml" "$current"; return ;;
+    --key-file | --new-key-file) mapfile -t COMPREPLY < <(compgen -f -- "$current"); return ;;
     --stats) _zor_words "stderr hadoop" "$current"; return ;;
   esac
 
@@ -85,6 +87,17 @@ _zor() {
       ;;
     encrypt) _zor_file_or "--cipher= --key-file= --key-file-exact --help" ;;
     decrypt) _zor_file_or "--cipher= --key-file= --key-file-exact --key-overflow= --legacy --help" ;;
+    settings)
+      if [[ $COMP_CWORD -eq 2 ]]; then _zor_words "show get set convert --help" "$current"; else
+        case ${COMP_WORDS[2]} in
+          set) _zor_file_or "--key-file= --key-file-exact --legacy --type=" ;;
+          convert) _zor_file_or "--key-file= --key-file-exact --legacy --new-key-file= --plain" ;;
+          *) _zor_file_or "--key-file= --key-file-exact --legacy --json" ;;
+        esac
+      fi
+      ;;
+    watch) _zor_file_or "--count= --help" ;;
+    exclude-from-backup) _zor_file_or "--list --zero --help" ;;
     --version) _zor_words "--json" "$current" ;;
   esac
 }

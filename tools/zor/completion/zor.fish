@@ -5,7 +5,7 @@ set -l kinds iban bban account card comment bcmc national-number registration-nu
     access-number amount email mobile-phone street house-number box-number postal-code belgian-postal-code name \
     business-name text pin backend-text message
 set -l displays phone challenge login-code pattern
-set -l commands check format explain error-code hash base64 encrypt decrypt
+set -l commands check format explain error-code hash base64 encrypt decrypt settings watch exclude-from-backup
 set -l formats "plain tsv tsv-raw csv jsonl"
 set -l no_command "not __fish_seen_subcommand_from $commands"
 set -l kind_command "__fish_seen_subcommand_from check format explain"
@@ -19,6 +19,9 @@ complete -c zor -n $no_command -a hash -d "the digest of data in hexadecimal"
 complete -c zor -n $no_command -a base64 -d "data as Base64 text and back"
 complete -c zor -n $no_command -a encrypt -d "data under a key text"
 complete -c zor -n $no_command -a decrypt -d "what encrypt wrote"
+complete -c zor -n $no_command -a settings -d "a settings file"
+complete -c zor -n $no_command -a watch -d "a line for each change"
+complete -c zor -n $no_command -a exclude-from-backup -d "marks files that match"
 complete -c zor -n $no_command -l version -d "the version"
 complete -c zor -n $no_command -l json -d "the version with the tables, as JSON"
 complete -c zor -l help -d "help"
@@ -65,3 +68,19 @@ complete -c zor -n $cipher_command -l key-file -r -F -d "the text of the key"
 complete -c zor -n $cipher_command -l key-file-exact -d "a final line end belongs to the key"
 complete -c zor -n "__fish_seen_subcommand_from decrypt" -l key-overflow -x -a zero -d "keys too long are zeros"
 complete -c zor -n "__fish_seen_subcommand_from decrypt" -l legacy -d "aes256 data of earlier releases"
+
+set -l settings_command "__fish_seen_subcommand_from settings"
+set -l backup_command "__fish_seen_subcommand_from exclude-from-backup"
+complete -c zor -n "$settings_command; or __fish_seen_subcommand_from watch; or $backup_command" -F
+complete -c zor -n "$settings_command; and not __fish_seen_subcommand_from show get set convert" \
+    -a "show get set convert"
+complete -c zor -n $settings_command -l key-file -r -F -d "the text of the key"
+complete -c zor -n $settings_command -l key-file-exact -d "a final line end belongs to the key"
+complete -c zor -n $settings_command -l legacy -d "what earlier releases encrypted"
+complete -c zor -n $settings_command -l json -d "JSON instead of XML"
+complete -c zor -n $settings_command -l type -x -a "string integer real boolean date data xml" -d "of the value to set"
+complete -c zor -n $settings_command -l new-key-file -r -F -d "the text of the key to convert to"
+complete -c zor -n $settings_command -l plain -d "convert to a plain file"
+complete -c zor -n "__fish_seen_subcommand_from watch" -l count -x -d "lines until it ends"
+complete -c zor -n $backup_command -l list -d "the marked paths"
+complete -c zor -n $backup_command -l zero -d "paths end with a NUL byte"
