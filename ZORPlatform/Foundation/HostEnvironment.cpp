@@ -1,16 +1,23 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <ZORPlatform/Foundation/HostEnvironment.h>
 
+#include <ZORPlatform/Foundation/HostEnvironmentInternal.h>
 #include <ZORPlatform/Foundation/Utf.h>
 
+#include <atomic>
+#include <cmath>
 #include <cstdlib>
+#include <limits>
 #include <mutex>
+#include <system_error>
 #include <utility>
 
 namespace ZORPlatform {
 namespace {
 
 namespace fs = std::filesystem;
+
+constinit std::atomic<std::uint64_t> revision = 0;
 
 template <class Value>
 class Setting {
@@ -22,6 +29,7 @@ public:
     void set(std::optional<Value> value) {
         const std::scoped_lock lock(mutex_);
         value_.swap(value);
+        reviseHostEnvironment();
     }
 
 private:
@@ -37,6 +45,7 @@ struct Settings {
     Setting<fs::path> itemStorePath;
     Setting<std::u16string> mainBundleIdentifier;
     Setting<std::u16string> localeIdentifier;
+    Setting<std::u16string> timeZoneIdentifier;
     Setting<std::string> textDomain;
 };
 
@@ -63,9 +72,33 @@ std::u16string environmentLocale() {
     return u"en_US_POSIX";
 }
 
+/// The zone that a file of the tz database describes, "/usr/share/zoneinfo/Europe/Brussels"; other names as they stand.
+std::string zoneName(const std::string& name) {
+    constexpr std::string_view kFolder = "/zoneinfo/";
+    const std::size_t folder = name.rfind(kFolder);
+    return folder == std::string::npos ? name : name.substr(folder + kFolder.size());
+}
+
+std::u16string environmentTimeZone() {
+    if (const char* set = std::getenv("TZ"); set != nullptr) {
+        // An empty TZ means UTC, and a colon in front that a name follows.
+        const std::string name = zoneName(*set == ':' ? set + 1 : set);
+        return name.empty() ? u"GMT" : utf16(name);
+    }
+    std::error_code error;
+    const fs::path link = fs::read_symlink("/etc/localtime", error);
+    return error ? u"GMT" : utf16(zoneName(link.string()));
+}
+
+// Not-a-number stands for the system's clock.
+constinit std::atomic<double> standingMoment = std::numeric_limits<double>::quiet_NaN();
+
 fs::path dataDirectory() { return baseDirectory("XDG_DATA_HOME", ".local/share") / "ZORFoundation"; }
 
 }  // namespace
+
+std::uint64_t hostEnvironmentRevision() noexcept { return revision.load(std::memory_order_acquire); }
+void reviseHostEnvironment() noexcept { revision.fetch_add(1, std::memory_order_acq_rel); }
 
 fs::path HostEnvironment::documentsDirectory() {
     return settings().documentsDirectory.get().value_or(dataDirectory() / "Documents");
@@ -111,6 +144,22 @@ std::u16string HostEnvironment::localeIdentifier() {
 }
 void HostEnvironment::setLocaleIdentifier(std::optional<std::u16string> identifier) {
     settings().localeIdentifier.set(std::move(identifier));
+}
+
+std::u16string HostEnvironment::timeZoneIdentifier() {
+    const std::optional<std::u16string> set = settings().timeZoneIdentifier.get();
+    return set ? *set : environmentTimeZone();
+}
+void HostEnvironment::setTimeZoneIdentifier(std::optional<std::u16string> identifier) {
+    settings().timeZoneIdentifier.set(std::move(identifier));
+}
+
+NSDate HostEnvironment::now() noexcept {
+    const double moment = standingMoment.load(std::memory_order_relaxed);
+    return std::isnan(moment) ? NSDate(std::chrono::system_clock::now()) : NSDate::sinceReferenceDate(moment);
+}
+void HostEnvironment::setNow(std::optional<NSDate> moment) noexcept {
+    standingMoment = moment ? moment->timeIntervalSinceReferenceDate() : std::numeric_limits<double>::quiet_NaN();
 }
 
 std::optional<std::string> HostEnvironment::textDomain() { return settings().textDomain.get(); }

@@ -2,12 +2,13 @@
 #pragma once
 
 // What the device tells an application about itself and a Linux process has to be told: where its documents and
-// resources are, and what it is called.
+// resources are, what it is called, and the customs, the time zone and the clock of its user.
 //
 //     HostEnvironment::setMainBundleIdentifier(u"be.example.bank");
 //     HostEnvironment::setDocumentsDirectory("/var/lib/bank/documents");
 
 #include <ZORPlatform/Export.h>
+#include <ZORPlatform/Foundation/NSDate.h>
 
 #include <filesystem>
 #include <optional>
@@ -57,6 +58,18 @@ public:
     /// and when none is set.
     [[nodiscard]] static std::u16string localeIdentifier();
     static void setLocaleIdentifier(std::optional<std::u16string> identifier);
+
+    /// The identifier of the user's time zone in the tz database, "Europe/Brussels", or an offset, "GMT+02:00".
+    /// Default: what the environment says in TZ, else what /etc/localtime links to, else "GMT". A TZ that names a file
+    /// of the database counts as that file's name. The services look up the default once and keep it: see
+    /// `NSTimeZone::resetSystemTimeZone`.
+    [[nodiscard]] static std::u16string timeZoneIdentifier();
+    static void setTimeZoneIdentifier(std::optional<std::u16string> identifier);
+
+    /// The present moment, for `NSDate::date()` and all that asks it. Default: the system's real-time clock. A moment
+    /// that was set stands still.
+    [[nodiscard]] static NSDate now() noexcept;
+    static void setNow(std::optional<NSDate> moment) noexcept;
 
     /// The gettext domain that holds the application's translations. Default: absent, nothing is translated. The
     /// application itself calls `setlocale` and `bindtextdomain`.

@@ -1,12 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <ZORPlatform/Foundation/NSDate.h>
 
+#include <ZORPlatform/Foundation/HostEnvironment.h>
+
 #include <cmath>
 #include <cstdint>
 
 namespace ZORPlatform {
 
-NSDate NSDate::date() noexcept { return NSDate(std::chrono::system_clock::now()); }
+NSDate NSDate::date() noexcept { return HostEnvironment::now(); }
 
 NSDate::operator std::chrono::sys_time<std::chrono::nanoseconds>() const noexcept {
     // Whole seconds apart from the fraction: a double that counts nanoseconds would round to hundreds of them.

@@ -38,7 +38,8 @@ public:
                                                  std::chrono::seconds(static_cast<long>(kReferenceSince1970)))
                        .count()) {}
 
-    /// `date`: the present moment, by the system's real-time clock. Thread-safe.
+    /// `date`: the present moment, as `HostEnvironment::now()` tells it: by the system's real-time clock unless a
+    /// moment was set. Thread-safe.
     [[nodiscard]] static NSDate date() noexcept;
 
     [[nodiscard]] constexpr double timeIntervalSinceReferenceDate() const noexcept { return seconds_; }
@@ -48,7 +49,9 @@ public:
     [[nodiscard]] explicit operator std::chrono::sys_time<std::chrono::nanoseconds>() const noexcept;
 
     friend constexpr bool operator==(const NSDate&, const NSDate&) noexcept = default;
-    friend constexpr std::partial_ordering operator<=>(const NSDate&, const NSDate&) noexcept = default;
+    friend constexpr std::partial_ordering operator<=>(const NSDate& left, const NSDate& right) noexcept {
+        return left.seconds_ <=> right.seconds_;
+    }
 
 private:
     double seconds_ = 0;

@@ -5,6 +5,8 @@
 // per thread, so formatters stay small values.
 #include <ZORPlatform/Foundation/NSNumberFormatter.h>
 
+#include <ZORPlatform/Foundation/IcuTextInternal.h>
+#include <ZORPlatform/Foundation/RecentValuesInternal.h>
 #include <ZORPlatform/Foundation/Text.h>
 #include <ZORPlatform/Foundation/Utf.h>
 
@@ -35,38 +37,9 @@ struct NumberPattern {
 
 namespace {
 
-/// The most recently made values for a few keys, oldest thrown out. One lives in each thread.
-template <class Key, class Value>
-class RecentValues {
-public:
-    template <class Make>
-    const Value& find(const Key& key, Make&& make) {
-        for (const auto& entry : entries_) {
-            if (entry && entry->first == key) return entry->second;
-        }
-        auto& entry = entries_[next_];
-        entry.emplace(key, make());
-        next_ = (next_ + 1) % entries_.size();
-        return entry->second;
-    }
-
-private:
-    std::array<std::optional<std::pair<Key, Value>>, 8> entries_;
-    std::size_t next_ = 0;
-};
-
-std::u16string_view view(const icu::UnicodeString& text) {
-    return {text.getBuffer(), static_cast<std::size_t>(text.length())};
-}
-
-/// Shares the units of `text`, which must outlive the result.
-icu::UnicodeString alias(std::u16string_view text) {
-    return {false, text.data(), static_cast<std::int32_t>(text.size())};
-}
-
 icu::DecimalFormatSymbols icuSymbols(const NSLocale& locale) {
     UErrorCode status = U_ZERO_ERROR;
-    icu::DecimalFormatSymbols symbols(icu::Locale(utf8(locale.localeIdentifier()).c_str()), status);
+    icu::DecimalFormatSymbols symbols(icuLocale(locale), status);
     if (U_SUCCESS(status)) return symbols;
     status = U_ZERO_ERROR;
     return {icu::Locale::getRoot(), status};
@@ -186,6 +159,13 @@ NSDecimalNumber decimalNumber(std::string_view text) {
         .decimalNumberByMultiplyingBy(NSDecimalNumber::decimalNumberWithMantissa(1, rest, false), kSilent);
 }
 
+/// Those of this thread.
+template <class Key>
+RecentValues<Key, icu::DecimalFormat>& recentFormats() {
+    thread_local RecentValues<Key, icu::DecimalFormat> recent;
+    return recent;
+}
+
 char16_t* write(std::u16string_view text, char16_t* end) { return std::copy_backward(text.begin(), text.end(), end); }
 
 }  // namespace
@@ -233,10 +213,9 @@ struct NSNumberFormatter::Service {
 
     /// @return valid until the next call on this thread
     static const icu::DecimalFormat& icuFormat(const NSNumberFormatter& formatter) {
-        thread_local RecentValues<Key, icu::DecimalFormat> recent;
-        return recent.find({formatter.pattern_, formatter.locale_, formatter.groupingSeparator_,
-                            formatter.maximumFractionDigits_, formatter.groupingSize_},
-                           [&] { return makeIcuFormat(formatter); });
+        return recentFormats<Key>().find({formatter.pattern_, formatter.locale_, formatter.groupingSeparator_,
+                                          formatter.maximumFractionDigits_, formatter.groupingSize_},
+                                         [&] { return makeIcuFormat(formatter); });
     }
 
     static std::u16string icuText(const NSNumberFormatter& formatter, const NSDecimalNumber& number) {

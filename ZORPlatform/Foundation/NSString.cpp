@@ -40,6 +40,20 @@ bool boolValue(std::u16string_view text) noexcept {
     return at < text.size() && std::u16string_view(u"YyTt123456789").find(text[at]) != std::u16string_view::npos;
 }
 
+std::optional<std::int64_t> wholeInteger(std::u16string_view text) {
+    std::u16string_view digits = text;
+    if (!digits.empty() && (digits.front() == u'-' || digits.front() == u'+')) digits.remove_prefix(1);
+    const bool isNumber = !digits.empty() && std::all_of(digits.begin(), digits.end(),
+                                                         [](char16_t unit) { return unit >= u'0' && unit <= u'9'; });
+    if (!isNumber) return std::nullopt;
+    while (digits.size() > 1 && digits.front() == u'0') digits.remove_prefix(1);
+    const std::int64_t value = longLongValue(text);
+    const std::u16string written = decimalText(value);
+    // A value out of range is saturated, so that it is written with other digits.
+    if (std::u16string_view(written).substr(value < 0 ? 1 : 0) != digits) return std::nullopt;
+    return value;
+}
+
 std::u16string decimalText(std::int64_t value) {
     char digits[20];
     const auto [end, status] = std::to_chars(digits, digits + sizeof digits, value);

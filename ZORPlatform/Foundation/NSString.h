@@ -6,6 +6,7 @@
 #include <ZORPlatform/Export.h>
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -25,6 +26,10 @@ inline constexpr std::u16string_view kAbsentObjectText = u"(null)";
 /// `boolValue`: whether, behind leading white space and line ends, one optional sign and zeros, `text` goes on with one
 /// of "YyTt" or a digit from 1 to 9. What follows is not read; the empty text is false. Pure.
 [[nodiscard]] bool boolValue(std::u16string_view text) noexcept;
+
+/// `Int(_:)`: the integer that the whole of `text` is: at most one "+" or "-", then ASCII digits, at least one, and no
+/// white space. Absent for any other text and for a value out of range. Pure.
+[[nodiscard]] std::optional<std::int64_t> wholeInteger(std::u16string_view text);
 
 /// The format "%ld": decimal, a minus sign where negative, no grouping in any locale. Pure.
 [[nodiscard]] std::u16string decimalText(std::int64_t value);

@@ -1,10 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <ZORPlatform/Foundation/NSString.h>
 
+#include <ZORPlatform/Foundation/Utf.h>
+
 #include <gtest/gtest.h>
 
 #include <cstdint>
 #include <limits>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -106,6 +109,19 @@ TEST(NSString, BoolValueReadsOneUnitBehindWhiteSpaceSignAndZeros) {
     for (const std::u16string_view text : {u"", u" ", u"+", u"0", u"000", u"N", u"no", u"false", u"on", u"+-1", u"- 1",
                                            u"0.5", u"0 1", u"x1", u"\u0001y", u"\u0661", u"\u0177"}) {
         EXPECT_FALSE(boolValue(text)) << ::testing::PrintToString(text);
+    }
+}
+
+TEST(NSString, AWholeIntegerIsTheWholeTextOrNothing) {
+    EXPECT_EQ(wholeInteger(u"0"), 0);
+    EXPECT_EQ(wholeInteger(u"-0"), 0);
+    EXPECT_EQ(wholeInteger(u"+007"), 7);
+    EXPECT_EQ(wholeInteger(u"-45"), -45);
+    EXPECT_EQ(wholeInteger(u"9223372036854775807"), kLargest);
+    EXPECT_EQ(wholeInteger(u"-9223372036854775808"), kSmallest);
+    for (const std::u16string_view text : {u"", u"+", u"-", u"--1", u"+-1", u" 1", u"1 ", u"1.0", u"1a", u"\u0661",
+                                           u"9223372036854775808", u"-9223372036854775809", u"99999999999999999999"}) {
+        EXPECT_EQ(wholeInteger(text), std::nullopt) << utf8(text);
     }
 }
 
