@@ -15,6 +15,9 @@
 #include <ZORFoundation/Concurrency/Unit.h>
 #include <ZORFoundation/DataExtension.h>
 #include <ZORFoundation/DataStreams.h>
+#include <ZORFoundation/DateAdditions.h>
+#include <ZORFoundation/DateExtension.h>
+#include <ZORFoundation/DateFormatterExtension.h>
 #include <ZORFoundation/DecimalNumberExtension.h>
 #include <ZORFoundation/ErrorHandling/ErrorMappers/XUNErrorMapper.h>
 #include <ZORFoundation/ErrorHandling/ErrorMappers/ZORErrorMapper.h>
@@ -53,6 +56,7 @@
 #include <ZORFoundation/ZORChallengeResponseFormatter.h>
 #include <ZORFoundation/ZORCommentFormatter.h>
 #include <ZORFoundation/ZORCommentValidator.h>
+#include <ZORFoundation/ZORDateFormatters.h>
 #include <ZORFoundation/ZORExtra.h>
 #include <ZORFoundation/ZORFileSystemObserver.h>
 #include <ZORFoundation/ZORFill.h>

@@ -11,6 +11,7 @@ void registerAccountNumberOperations(Operations& operations);
 void registerAmountOperations(Operations& operations);
 void registerCardNumberOperations(Operations& operations);
 void registerCipherOperations(Operations& operations);
+void registerDateOperations(Operations& operations);
 void registerDigestOperations(Operations& operations);
 void registerErrorOperations(Operations& operations);
 void registerIdentityNumberOperations(Operations& operations);

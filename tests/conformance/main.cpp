@@ -24,6 +24,7 @@ constexpr void (*kGroups[])(Operations&) = {
     registerAmountOperations,
     registerCardNumberOperations,
     registerCipherOperations,
+    registerDateOperations,
     registerDigestOperations,
     registerErrorOperations,
     registerIdentityNumberOperations,
