@@ -4,7 +4,7 @@
 
 #include "support/FuzzText.h"
 
-#include <tools/zor/KindGroups.h>
+#include <tools/zor/Kind.h>
 #include <tools/zor/filter/Encoding.h>
 #include <tools/zor/filter/LineSplitter.h>
 
@@ -67,9 +67,24 @@ void useSeparators(FilterOptions& options) {
     options.outLayout.separator = options.out->defaultSeparator;
 }
 
-FilterOptions chosenOptions(std::uint8_t formatChoice, std::uint8_t columnChoice, std::uint8_t flags) {
+const Kind& chosenKind(std::size_t choice) {
+    static const std::vector<const Kind*> kinds = [] {
+        std::vector<const Kind*> all;
+        for (const KindGroup* group : kindGroups()) {
+            for (const Kind& kind : group->kinds) all.push_back(&kind);
+        }
+        return all;
+    }();
+    return *kinds[choice % kinds.size()];
+}
+
+FilterOptions chosenOptions(std::uint8_t formatChoice, std::uint8_t columnChoice, std::uint8_t flags,
+                            std::uint8_t kindChoice) {
     FilterOptions options;
-    options.kind = &kAccountKinds.kinds[flags % kAccountKinds.kinds.size()];
+    options.kind = &chosenKind((flags & 0x0F) + kindChoice / 64 * 16U);
+    options.settings.limits = {2, 30};
+    options.settings.pattern = u"XX-X\nX";
+    options.settings.token = u"\t;";
     options.in = &formats()[formatChoice % formats().size()];
     options.out = (flags & 0x80) != 0 ? &formats()[formatChoice / 16 % formats().size()] : options.in;
     for (std::size_t index = 0; index < columns().size(); ++index) {
@@ -153,14 +168,16 @@ void requireTheSameVerdicts(const FilterOptions& options, const Run& run) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     if (size < 4) return 0;
-    const FilterOptions options = chosenOptions(data[0], data[1], data[2]);
+    const FilterOptions options = chosenOptions(data[0], data[1], data[2], data[3]);
     const std::size_t piece = 1 + data[3] % 64;
-    const std::string_view input(reinterpret_cast<const char*>(data + 4), size - 4);
+    std::string_view input(reinterpret_cast<const char*>(data + 4), size - 4);
 
     const Run run = filter(options, input, size);
+    require(filter(options, input, piece).output == run.output);
+    constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+    if (input.starts_with(kByteOrderMark)) input.remove_prefix(kByteOrderMark.size());
     requireOneRecordALine(run, input);
     requireCleanText(run.output);
-    require(filter(options, input, piece).output == run.output);
     if (options.out->shape == Format::Shape::object) requireObjects(run.output);
     if (options.in->shape == Format::Shape::object) requireNoMalformedObjectIsRead(options, input);
     requireTheSameVerdicts(options, run);

@@ -54,12 +54,14 @@ std::string_view patternComplaint(const KindSettings& settings) {
     return settings.pattern.empty() ? "--pattern is missing" : "";
 }
 
+constexpr auto withoutBlanks = display<ZORCardNumberFormatter::strippedCardNumber>;
+
 constexpr std::array kKinds{
-    Kind{"phone", "telephone links", nullptr, nullptr, asWritten, telephoneLink, kPhoneOptions},
-    Kind{"challenge", "challenges of a login", nullptr, nullptr, asWritten, challenge},
-    Kind{"login-code", "codes that answer them", nullptr, nullptr, display<ZORCardNumberFormatter::strippedCardNumber>,
+    Kind{"phone", "telephone links", nullptr, nullptr, display<dialled>, telephoneLink, kPhoneOptions},
+    Kind{"challenge", "challenges of a login", nullptr, nullptr, withoutBlanks, challenge},
+    Kind{"login-code", "codes that answer them", nullptr, nullptr, withoutBlanks,
          display<ZORChallengeResponseFormatter::formattedLoginCodeOptimal>},
-    Kind{"pattern", "texts laid into a pattern", nullptr, nullptr, asWritten, laidIntoPattern, kPatternOptions,
+    Kind{"pattern", "texts laid into a pattern", nullptr, nullptr, withoutBlanks, laidIntoPattern, kPatternOptions,
          "character", patternComplaint},
 };
 

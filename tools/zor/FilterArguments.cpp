@@ -2,6 +2,7 @@
 #include <tools/zor/FilterArguments.h>
 
 #include <tools/zor/NumberArgument.h>
+#include <tools/zor/filter/Encoding.h>
 
 #include <algorithm>
 #include <array>
@@ -45,6 +46,9 @@ Value choice(std::string_view option, std::string_view text,
     if (found == choices.end()) throw badValue(option);
     return found->second;
 }
+
+// A label goes out as it stands, so it must not end a line or part columns.
+bool isControl(char byte) { return static_cast<unsigned char>(byte) < 0x20; }
 
 std::vector<std::string_view> pieces(std::string_view text) {
     std::vector<std::string_view> result;
@@ -123,6 +127,9 @@ void setLayout(const Source& source, std::string_view emitted, Layout& layout) {
     if (const auto labels = source.value("--labels")) {
         const std::vector<std::string_view> words = pieces(*labels);
         if (words.size() != 2 || words[0] == words[1]) throw UsageError("--labels: two different words are needed");
+        if (!isReadableText(*labels) || std::any_of(labels->begin(), labels->end(), isControl)) {
+            throw UsageError("--labels: words of text are needed");
+        }
         layout.validLabel = words[0];
         layout.invalidLabel = words[1];
         layout.labelled = true;

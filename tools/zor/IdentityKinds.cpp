@@ -9,7 +9,6 @@
 #include <ZORFoundation/StringPatterns.h>
 #include <ZORFoundation/Validation/InputValidator.h>
 #include <ZORFoundation/ZORAccessNumberValidator.h>
-#include <ZORFoundation/ZORCommentFormatter.h>
 #include <ZORFoundation/ZORNationalRegistrationNumberValidator.h>
 
 #include <array>
@@ -21,30 +20,25 @@ using namespace ZORFoundation;
 using Access = ZORAccessNumberValidator;
 using National = ZORNationalRegistrationNumberValidator;
 
-std::u16string digits(std::u16string_view text, const KindSettings&) {
-    // Keeps the decimal digits, whatever they are the digits of.
-    return ZORCommentFormatter::strippedStructuredComment(text);
+std::u16string registrationLayout(std::u16string_view text, const KindSettings&) {
+    return StringExtension::formatTextWithPattern(digits(text), u"XX.XX.XX-XXX.XX", u"X");
 }
 
-std::u16string registrationLayout(std::u16string_view text, const KindSettings& settings) {
-    return StringExtension::formatTextWithPattern(digits(text, settings), u"XX.XX.XX-XXX.XX", u"X");
-}
-
-std::u16string cardLayout(std::u16string_view text, const KindSettings& settings) {
-    return StringExtension::formatTextWithPattern(digits(text, settings), u"XXX-XXXXXXX-XX", u"X");
+std::u16string cardLayout(std::u16string_view text, const KindSettings&) {
+    return StringExtension::formatTextWithPattern(digits(text), u"XXX-XXXXXXX-XX", u"X");
 }
 
 constexpr std::array kKinds{
     Kind{"national-number", "national registration numbers of 11 digits",
          check<National::isValidNationalRegistrationNumber>, explain<National::explainNationalRegistrationNumber>,
-         digits, registrationLayout},
+         display<digits>, registrationLayout},
     Kind{"registration-number", "the same in their layout, 85.07.30-033.28",
          check<InputValidator::isValidNationalRegistrationNumber>,
-         explain<InputValidator::explainNationalRegistrationNumber>, digits, registrationLayout},
+         explain<InputValidator::explainNationalRegistrationNumber>, display<digits>, registrationLayout},
     Kind{"document-number", "identity document numbers of 12 digits", check<National::isValidNationalDocumentNumber>,
-         explain<National::explainNationalDocumentNumber>, digits, cardLayout},
+         explain<National::explainNationalDocumentNumber>, display<digits>, cardLayout},
     Kind{"id-card", "the same in their layout, 590-1234567-89", check<InputValidator::isValidIDCardNumber>,
-         explain<InputValidator::explainIDCardNumber>, digits, cardLayout},
+         explain<InputValidator::explainIDCardNumber>, display<digits>, cardLayout},
     Kind{"access-number", "access numbers of 13 digits", check<Access::isAccessNumberValid>,
          explain<Access::explainAccessNumber>, asWritten, asWritten},
 };

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// What people type into forms. Nothing is stripped, and no kind has a form but the one that was typed.
+// What people type into forms. Nothing is stripped, and apart from phone numbers nothing has a form but the one that
+// was typed.
 
 #include <tools/zor/KindGroups.h>
 #include <tools/zor/KindRules.h>
@@ -71,8 +72,14 @@ constexpr Kind typed(std::string_view name, std::string_view help, std::string_v
 
 constexpr std::array kKinds{
     typed<Input::isValidEmail, Input::explainEmail>("email", "e-mail addresses", "letter of the last label"),
-    typed<Input::isValidMobilePhoneNumber, Input::explainMobilePhoneNumber>("mobile-phone", "mobile phone numbers",
-                                                                            "digit"),
+    Kind{"mobile-phone",
+         "mobile phone numbers",
+         check<Input::isValidMobilePhoneNumber>,
+         explain<Input::explainMobilePhoneNumber>,
+         display<dialled>,
+         asWritten,
+         {},
+         "digit"},
     typed<Input::isValidStreet, Input::explainStreet>("street", "streets, up to 35 characters"),
     typed<Input::isValidHouseNumber, Input::explainHouseNumber>("house-number", "house numbers, up to 5 characters"),
     typed<Input::isValidBoxNumber, Input::explainBoxNumber>("box-number", "box numbers, up to 9 characters"),

@@ -20,10 +20,12 @@ const Kind& kindOf(const Arguments& arguments) {
     return *kind;
 }
 
+// Whatever the environment says, to the command or to a library, the same input gives the same output.
+void ignoreEnvironment() { ::clearenv(); }
+
 ExitCode filter(const Kind& kind, const Arguments& arguments, std::string_view emitted) {
     const FilterOptions options = filterOptions(kind, arguments, emitted);
-    // Whatever the environment holds, here or in a library, the same input gives the same output.
-    ::clearenv();
+    ignoreEnvironment();
     if (::isatty(STDIN_FILENO) == 1) {
         writeAll(STDERR_FILENO, "zor: one record a line from the terminal; Ctrl-D ends\n");
     }
@@ -41,6 +43,7 @@ ExitCode run(const Arguments& arguments, Answer answer, std::string_view emitted
             throw UsageError(std::string(given.first) + ": an option of the filter, which takes no value");
         }
     }
+    ignoreEnvironment();
     const std::span<const std::string> values(arguments.words.begin() + 1, arguments.words.end());
     return answerValues(kind, kindSettings(kind, arguments), answer, values);
 }

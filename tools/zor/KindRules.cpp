@@ -1,7 +1,16 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <tools/zor/KindRules.h>
 
+#include <ZORFoundation/ZORCommentFormatter.h>
+
 namespace zor {
+
+std::u16string digits(std::u16string_view text) {
+    // Keeps decimal digits, whatever they are the digits of.
+    return ZORFoundation::ZORCommentFormatter::strippedStructuredComment(text);
+}
+
+std::u16string dialled(std::u16string_view text) { return (text.starts_with(u'+') ? u"+" : u"") + digits(text); }
 
 std::size_t writtenPosition(std::u16string_view text, std::u16string_view stripped, std::size_t position) {
     std::size_t at = 0;

@@ -29,6 +29,12 @@ std::u16string display(std::u16string_view text, const KindSettings&) {
     return Display(text);
 }
 
+/// The decimal digits of a text.
+[[nodiscard]] std::u16string digits(std::u16string_view text);
+
+/// The digits of a phone number, and the "+" that it may begin with.
+[[nodiscard]] std::u16string dialled(std::u16string_view text);
+
 // For kinds whose rules take a stripped text. `Separators::strip` takes out units, and takes out every unit equal to
 // one that it takes out; `Separators::areNotIn` says quickly, erring on the side of false, that it would find none.
 

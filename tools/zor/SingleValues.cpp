@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <tools/zor/SingleValues.h>
 
-#include <tools/zor/filter/Encoding.h>
+#include <tools/zor/filter/Output.h>
+
+#include <ZORPlatform/Foundation/Utf.h>
 
 #include <unistd.h>
 
@@ -17,11 +19,17 @@ constexpr std::string_view kGreen = "\x1B[32m";
 constexpr std::string_view kRed = "\x1B[31m";
 constexpr std::string_view kPlain = "\x1B[0m";
 
-// A value as it was typed, without what would steer a terminal.
-struct TerminalEscapes {
-    static bool isSpecial(char byte) noexcept { return static_cast<unsigned char>(byte) < 0x20 || byte == 0x7F; }
-    static void write(char, Output& out) { out.append(kReplacementCharacter); }
-};
+// Control characters, and those that turn the direction of writing, so that a value could hide its verdict.
+bool steersTerminal(char16_t unit) noexcept {
+    return unit < 0x20 || (unit >= 0x7F && unit < 0xA0) || (unit >= 0x202A && unit <= 0x202E) ||
+           (unit >= 0x2066 && unit <= 0x2069);
+}
+
+// A text without what would steer a terminal.
+std::string shown(std::u16string text) {
+    std::replace_if(text.begin(), text.end(), steersTerminal, u'\uFFFD');
+    return ZORPlatform::utf8(text);
+}
 
 // What a rule that is not one of length means. A rule without a row is still named, and the place shown.
 struct Phrase {
@@ -47,18 +55,18 @@ std::string countOf(std::size_t count, std::string_view counted) {
 struct Judgement {
     bool valid = false;
     std::string why;
-    std::string formatted;
+    std::u16string formatted;
 };
 
 Judgement judge(const Kind& kind, const KindSettings& settings, Answer answer, const std::string& value) {
     const std::optional<std::u16string> text = ZORPlatform::utf16IfWellFormed(value);
-    if (!text) return {false, "bad_utf8: this is no UTF-8 text", value};
+    if (!text) return {false, "bad_utf8: this is no UTF-8 text", ZORPlatform::utf16(value)};
     Judgement judgement;
     judgement.valid = kind.check == nullptr || kind.check(*text, settings);
     if (answer == Answer::explain && !judgement.valid) {
         judgement.why = sentence(kind.explain(*text, settings), kind.counted);
     }
-    if (answer == Answer::format) judgement.formatted = ZORPlatform::utf8(kind.format(*text, settings));
+    if (answer == Answer::format) judgement.formatted = kind.format(*text, settings);
     return judgement;
 }
 
@@ -79,9 +87,9 @@ ExitCode answerValues(const Kind& kind, const KindSettings& settings, Answer ans
         const Judgement judgement = judge(kind, settings, answer, value);
         allValid = allValid && judgement.valid;
         if (answer == Answer::format) {
-            appendEscaped(judgement.formatted, out, TerminalEscapes{});
+            out.append(shown(judgement.formatted));
         } else {
-            appendEscaped(value, out, TerminalEscapes{});
+            out.append(shown(ZORPlatform::utf16(value)));
             out.append(": ");
             appendVerdict(judgement.valid, coloured, out);
             if (!judgement.why.empty()) out.append(", " + judgement.why);

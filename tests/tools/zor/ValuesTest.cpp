@@ -61,6 +61,8 @@ TEST(ZorValues, WhatIsNoTextIsInvalid) {
 
 TEST(ZorValues, NothingInAValueSteersATerminal) {
     EXPECT_EQ(runZor({"check", "iban", "\x1B[31mred\n\x7F"}).out, "\uFFFD[31mred\uFFFD\uFFFD: invalid\n");
+    EXPECT_EQ(runZor({"check", "iban", "a\xC2\x9B\u202Eb\u2066"}).out, "a\uFFFD\uFFFDb\uFFFD: invalid\n");
+    EXPECT_EQ(runZor({"format", "street", "a\xC2\x85\u202Eb\u00E9"}).out, "a\uFFFD\uFFFDb\u00E9\n");
 }
 
 TEST(ZorValues, NoColourWhereNoTerminalIs) {
@@ -71,6 +73,12 @@ TEST(ZorValues, AValueSwitchesTheFilterOff) {
     const RunResult result = runZor({"check", "iban", "BE68539007547034"}, "never\nread\n");
     EXPECT_EQ(result.out, "BE68539007547034: valid\n");
     EXPECT_EQ(runZor({"check", "iban", "BE68539007547034", "--format=tsv"}).exitCode, 2);
+}
+
+TEST(ZorValues, DoNotDependOnTheEnvironment) {
+    ZorProcess::Setting setting;
+    setting.environment = Words{"LC_ALL=ar_EG.UTF-8", "LANG=fr_FR", "ICU_DATA=/nowhere", "TZ=nowhere"};
+    EXPECT_EQ(runZor({"format", "amount", "1234,5"}, "", setting).out, "1\u00A0234,50\n");
 }
 
 TEST(ZorValues, TwoDashesEndTheOptions) {

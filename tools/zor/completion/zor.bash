@@ -5,13 +5,29 @@ _zor_words() {
   mapfile -t COMPREPLY < <(compgen -W "$1" -- "$2")
 }
 
+_zor_files() {
+  compopt -o filenames
+  mapfile -t COMPREPLY < <(compgen -f -- "$1")
+}
+
+# A list of words with commas between: those that are not in it yet.
+_zor_list() {
+  local before= word words=
+  [[ $2 == *,* ]] && before=${2%,*},
+  for word in $1; do
+    [[ ,$before == *,$word,* ]] || words+=" $before$word"
+  done
+  compopt -o nospace
+  _zor_words "$words" "$2"
+}
+
 # Options when one has been begun, files otherwise.
 _zor_file_or() {
   if [[ $current == -* ]]; then
     _zor_words "$1" "$current"
     [[ ${COMPREPLY[0]-} == *= ]] && compopt -o nospace
   else
-    mapfile -t COMPREPLY < <(compgen -f -- "$current")
+    _zor_files "$current"
   fi
 }
 
@@ -46,7 +62,7 @@ _zor() {
   fi
   case $option in
     --format | --in | --out) _zor_words "plain tsv tsv-raw csv jsonl" "$current"; return ;;
-    --emit) _zor_words "verdict reason offset normalized formatted" "$current"; return ;;
+    --emit) _zor_list "verdict reason offset normalized formatted" "$current"; return ;;
     --null) _zor_words "absent invalid" "$current"; return ;;
     --sep) _zor_words "tab comma semicolon" "$current"; return ;;
     --flush) _zor_words "drain line block" "$current"; return ;;
@@ -54,7 +70,7 @@ _zor() {
     --cipher) _zor_words "aes256 aes128" "$current"; return ;;
     --key-overflow) _zor_words "zero" "$current"; return ;;
     --type) _zor_words "string integer real boolean date data xml" "$current"; return ;;
-    --key-file | --new-key-file) mapfile -t COMPREPLY < <(compgen -f -- "$current"); return ;;
+    --key-file | --new-key-file) _zor_files "$current"; return ;;
     --stats) _zor_words "stderr hadoop" "$current"; return ;;
   esac
 

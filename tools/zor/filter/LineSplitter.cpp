@@ -2,6 +2,7 @@
 #include <tools/zor/filter/LineSplitter.h>
 
 #include <cstring>
+#include <string_view>
 #include <utility>
 
 namespace zor {
@@ -10,6 +11,8 @@ namespace {
 // Large enough that neither reading nor moving the broken line at the end of a block counts, small enough for a
 // core's own cache.
 constexpr std::size_t kReadBytes = std::size_t{128} * 1024;
+
+constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 
 }  // namespace
 
@@ -33,9 +36,19 @@ std::span<char> LineSplitter::room() noexcept {
 
 void LineSplitter::commit(std::size_t bytes) {
     end_ += bytes;
+    if (atStart_ && !passByteOrderMark()) return;
     if (overlong_) skipOverlong();
     if (!overlong_) passLines();
     if (begin_ == end_) begin_ = end_ = search_ = 0;
+}
+
+// @return whether it is known that there is a mark, or none
+bool LineSplitter::passByteOrderMark() {
+    const std::string_view bytes(bytes_.get(), end_);
+    if (bytes.size() < kByteOrderMark.size() && kByteOrderMark.starts_with(bytes)) return false;
+    atStart_ = false;
+    if (bytes.starts_with(kByteOrderMark)) begin_ = search_ = kByteOrderMark.size();
+    return true;
 }
 
 void LineSplitter::skipOverlong() {

@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-// Cuts a stream of bytes into lines in constant memory, whatever pieces it arrives in.
+// Cuts a stream of bytes into lines in constant memory, whatever pieces it arrives in. The mark with which some
+// programs begin a UTF-8 file is no part of the first line.
 
 #include <tools/zor/filter/RecordSink.h>
 
@@ -24,6 +25,7 @@ public:
     void finish();
 
 private:
+    [[nodiscard]] bool passByteOrderMark();
     void skipOverlong();
     void passLines();
 
@@ -34,6 +36,7 @@ private:
     std::size_t begin_ = 0;   ///< The first byte that no sink has seen.
     std::size_t end_ = 0;     ///< Behind the last byte.
     std::size_t search_ = 0;  ///< No LF stands between begin_ and here.
+    bool atStart_ = true;     ///< The bytes so far may be the beginning of a byte order mark.
     bool overlong_ = false;   ///< The bytes up to the next LF belong to a line that is not kept.
 };
 

@@ -42,16 +42,20 @@ private:
                 out.append("\\N");
                 break;
             case Cell::Type::verdict:
-                out.append(cell.valid ? layout_.validLabel : layout_.invalidLabel);
+                writeText(cell.valid ? layout_.validLabel : layout_.invalidLabel, out);
                 break;
             case Cell::Type::number:
                 appendNumber(cell.number, out);
                 break;
             case Cell::Type::text:
-                // Alone on its line, a value may hold what would otherwise part columns.
-                appendEscaped(cell.text, out, ReplacingEscapes{layout_.emitted.size() > 1 ? layout_.separator : '\n'});
+                writeText(cell.text, out);
                 break;
         }
+    }
+
+    // Alone on its line, a text may hold what would otherwise part columns.
+    void writeText(std::string_view text, Output& out) const {
+        appendEscaped(text, out, ReplacingEscapes{layout_.emitted.size() > 1 ? layout_.separator : '\n'});
     }
 
     const Layout& layout_;

@@ -37,6 +37,17 @@ TEST(Filter, ALastRecordWithoutLineEndIsARecord) {
     EXPECT_EQ(filtered({"--format=tsv"}, "a\nv"), "a\t0\nv\t1\n");
 }
 
+TEST(Filter, AFileMayBeginWithAByteOrderMark) {
+    const std::string mark = "\xEF\xBB\xBF";
+    EXPECT_EQ(filtered({}, mark), "");
+    EXPECT_EQ(filtered({}, mark + "v\nx\n"), "1\n0\n");
+    EXPECT_EQ(filtered({"--format=tsv"}, mark + "v\r\n"), "v\t1\n");
+    EXPECT_EQ(filtered({"--format=csv"}, mark + "\"v\"\n"), "\"v\",1\n");
+    EXPECT_EQ(filtered({"--format=jsonl"}, mark + "{\"value\":\"v\"}"), "{\"value\":\"v\",\"verdict\":true}\n");
+    EXPECT_EQ(filtered({"--chunk-header"}, mark + "1\nv\n"), "1\n");
+    EXPECT_EQ(filtered({"--jobs=3"}, mark + "v\n" + mark + "v\n"), "1\n0\n");
+}
+
 TEST(Filter, OneCarriageReturnBeforeTheLineEndIsTakenOut) {
     EXPECT_EQ(filtered({"--emit=formatted"}, "v\r\n"), "<v>\n");
     EXPECT_EQ(filtered({"--format=tsv"}, "v\r\r\n"), "v\\r\t1\n");
@@ -111,6 +122,16 @@ TEST(Filter, LabelsReplaceTheDigits) {
     EXPECT_EQ(filtered({"--labels=" + longLabel + ",n"}, "v\nx\n"), longLabel + "\nn\n");
     EXPECT_EQ(filtered({"--labels=yes,no", "--format=jsonl"}, "{\"value\":\"v\"}\n"),
               "{\"value\":\"v\",\"verdict\":\"yes\"}\n");
+}
+
+TEST(Filter, ALabelCannotBreakALineOrAColumn) {
+    EXPECT_EQ(filtered({"--labels=a;b,c", "--emit=verdict,reason", "--sep=semicolon"}, "v\n"), "a\uFFFDb;none\n");
+    EXPECT_EQ(filtered({"--labels=a;b,c", "--sep=semicolon"}, "v\n"), "a;b\n");
+    EXPECT_EQ(filtered({"--labels=a;b,c", "--format=csv", "--sep=semicolon"}, "v\n"), "v;\"a;b\"\n");
+    EXPECT_EQ(filtered({"--labels=a\\b,c", "--format=tsv"}, "v\n"), "v\ta\\\\b\n");
+    for (const char* labels : {"--labels=a\nb,c", "--labels=a,b\tc", "--labels=a\rb,c", "--labels=\xFF,b"}) {
+        EXPECT_THROW((void)testOptions({labels}), UsageError) << labels;
+    }
 }
 
 TEST(Filter, ColumnsComeInTheOrderAskedFor) {

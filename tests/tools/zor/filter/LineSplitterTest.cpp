@@ -72,6 +72,28 @@ TEST(LineSplitter, PiecesDoNotMatter) {
     }
 }
 
+TEST(LineSplitter, AByteOrderMarkIsNoPartOfTheFirstLine) {
+    std::mt19937 random(7);
+    const std::string mark = "\xEF\xBB\xBF";
+    const std::string longLine(3 * kMaxRecordBytes, 'x');
+    const std::string longest(kMaxRecordBytes, 'x');
+    using Lines = std::vector<std::string>;
+    for (const std::size_t largestPiece : std::array<std::size_t, 4>{1, 2, 3, 1000}) {
+        EXPECT_EQ(split(mark + "a\nb", random, largestPiece), (Lines{"a", "b"}));
+        EXPECT_EQ(split(mark + "\n", random, largestPiece), Lines{""});
+        EXPECT_EQ(split(mark, random, largestPiece), Lines{});
+        EXPECT_EQ(split(mark + longest + "\n", random, largestPiece), Lines{longest});
+        EXPECT_EQ(split(mark + longLine, random, largestPiece), Lines{"length 150"});
+        EXPECT_EQ(split(mark + mark + "a", random, largestPiece), Lines{mark + "a"});
+        EXPECT_EQ(split("a\n" + mark + "b", random, largestPiece), (Lines{"a", mark + "b"}));
+        for (const char* almost : {"\xEF", "\xEF\xBB", "\xEF\xBB\n", "\xEF\xBB\xBEx", "\xEF\nx"}) {
+            std::string line(almost);
+            line.resize(std::min(line.find('\n'), line.size()));
+            EXPECT_EQ(split(almost, random, largestPiece).front(), line);
+        }
+    }
+}
+
 TEST(LineSplitter, StaysInItsRoomOverLongStreams) {
     std::mt19937 random(6);
     std::string input;
