@@ -21,6 +21,7 @@ namespace fs = std::filesystem;
 
 constexpr mode_t kModeOfNewFiles = 0666;
 constexpr mode_t kPrivateMode = 0600;
+constexpr mode_t kPrivateDirectoryMode = 0700;
 constexpr mode_t kPermissionBits = 07777;
 
 bool writeAll(int descriptor, std::span<const std::uint8_t> bytes) {
@@ -73,6 +74,8 @@ public:
         closed_ = true;
         return systemCalls().close(descriptor_) == 0;
     }
+    /// As `target`, beside its own name, which goes.
+    bool placeUnlessTaken(const fs::path& target) { return systemCalls().link(path_.c_str(), target.c_str()) == 0; }
     bool place(const fs::path& target) {
         placed_ = systemCalls().rename(path_.c_str(), target.c_str()) == 0;
         return placed_;
@@ -91,9 +94,13 @@ std::optional<mode_t> modeOf(const fs::path& path) {
     return status.st_mode & kPermissionBits;
 }
 
+fs::path directoryOf(const fs::path& path) {
+    const fs::path directory = path.parent_path();
+    return directory.empty() ? fs::path(".") : directory;
+}
+
 bool replace(const fs::path& target, std::span<const std::uint8_t> bytes, mode_t modeOfNew) {
-    fs::path directory = target.parent_path();
-    if (directory.empty()) directory = ".";
+    const fs::path directory = directoryOf(target);
     const std::optional<mode_t> oldMode = modeOf(target);
     TemporaryFile temporary(directory, oldMode ? kPrivateMode : modeOfNew);
     // The mode comes before the content: what was private is never readable in between.
@@ -156,11 +163,35 @@ bool NSFileManager::writeAtomically(const fs::path& path, std::span<const std::u
     return !error && replace(destination, bytes, kModeOfNewFiles);
 }
 
+NSFileManager::Creation NSFileManager::createPrivateFile(const fs::path& path, std::span<const std::uint8_t> bytes) {
+    if (!namesAFile(path)) return Creation::failed;
+    std::error_code error;
+    if (fs::exists(fs::symlink_status(path, error))) return Creation::existed;
+    const fs::path directory = directoryOf(path);
+    {
+        TemporaryFile temporary(directory, kPrivateMode);
+        if (!temporary.isOpen() || !temporary.fill(bytes)) return Creation::failed;
+        if (!temporary.placeUnlessTaken(path)) return errno == EEXIST ? Creation::existed : Creation::failed;
+    }
+    return syncDirectory(directory) ? Creation::made : Creation::failed;
+}
+
+bool NSFileManager::createPrivateDirectory(const fs::path& path) {
+    if (!namesAFile(path)) return false;
+    std::error_code error;
+    if (fs::is_directory(path, error)) return true;
+    const fs::path above = directoryOf(path);
+    if (above == path || !createPrivateDirectory(above)) return false;
+    if (systemCalls().mkdir(path.c_str(), kPrivateDirectoryMode) != 0) {
+        return errno == EEXIST && fs::is_directory(path, error);
+    }
+    return syncDirectory(above);
+}
+
 void NSFileManager::copyAside(const fs::path& file, const fs::path& directory, std::size_t keep) {
     const std::optional<std::vector<std::uint8_t>> bytes = contentsAtPath(file);
     if (!bytes) return;
-    std::error_code error;
-    if (fs::create_directories(directory, error)) fs::permissions(directory, fs::perms::owner_all, error);
+    if (!createPrivateDirectory(directory)) return;
 
     // Names sort by age: nanoseconds since 1970 have nineteen digits until the year 2286.
     const auto now = std::chrono::system_clock::now().time_since_epoch();
@@ -168,6 +199,7 @@ void NSFileManager::copyAside(const fs::path& file, const fs::path& directory, s
     const std::string name = prefix + std::to_string(std::chrono::nanoseconds(now).count());
     if (!replace(directory / name, *bytes, kPrivateMode)) return;
 
+    std::error_code error;
     std::vector<fs::path> copies;
     for (fs::directory_iterator entry(directory, error), end; !error && entry != end; entry.increment(error)) {
         const std::string other = entry->path().filename().string();

@@ -46,6 +46,18 @@ public:
     ///         content is untouched, unless only the last step failed: making the directory durable.
     [[nodiscard]] static bool writeAtomically(const std::filesystem::path& path, std::span<const std::uint8_t> bytes);
 
+    enum class Creation { made, existed, failed };
+
+    /// Makes a new file of mode 0600 (less the umask) with that content, durable, unless there is something of that
+    /// name: it is there whole or not at all, and of several that try at once one makes it.
+    [[nodiscard]] static Creation createPrivateFile(const std::filesystem::path& path,
+                                                    std::span<const std::uint8_t> bytes);
+
+    /// Makes a directory, and what is missing above it, with mode 0700, durable. What is there keeps its mode.
+    ///
+    /// @return whether the directory is there
+    [[nodiscard]] static bool createPrivateDirectory(const std::filesystem::path& path);
+
     /// Copies a regular file to a new one of mode 0600 in `directory`, which is made with mode 0700 where it is
     /// missing. Of earlier copies of the same file the `keep` - 1 newest stay. Fails silently: the copy is a
     /// precaution.

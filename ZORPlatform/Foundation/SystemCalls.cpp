@@ -40,6 +40,8 @@ int SystemCalls::inotify_init() { return ::inotify_init1(IN_CLOEXEC | IN_NONBLOC
 int SystemCalls::inotify_add_watch(int descriptor, const char* path, std::uint32_t mask) {
     return ::inotify_add_watch(descriptor, path, mask);
 }
+int SystemCalls::link(const char* from, const char* to) { return ::link(from, to); }
+int SystemCalls::mkdir(const char* path, mode_t mode) { return ::mkdir(path, mode); }
 
 SystemCalls& systemCalls() { return *inForce().load(std::memory_order_acquire); }
 

@@ -30,6 +30,8 @@ public:
     virtual int eventfd();
     virtual int inotify_init();
     virtual int inotify_add_watch(int descriptor, const char* path, std::uint32_t mask);
+    virtual int link(const char* from, const char* to);
+    virtual int mkdir(const char* path, mode_t mode);
 };
 
 /// The calls in force: the system's own, unless a test has put others in.

@@ -53,6 +53,8 @@ public:
     int inotify_add_watch(int descriptor, const char* path, std::uint32_t mask) override {
         return isDue() ? -1 : SystemCalls::inotify_add_watch(descriptor, path, mask);
     }
+    int link(const char* from, const char* to) override { return isDue() ? -1 : SystemCalls::link(from, to); }
+    int mkdir(const char* path, mode_t mode) override { return isDue() ? -1 : SystemCalls::mkdir(path, mode); }
 
 private:
     bool isDue() {

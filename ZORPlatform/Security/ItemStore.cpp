@@ -1,0 +1,474 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <ZORPlatform/Security/ItemStoreInternal.h>
+
+#include <ZORPlatform/Foundation/NSDate.h>
+#include <ZORPlatform/Foundation/Wiping.h>
+#include <ZORPlatform/Security/ItemAttributesInternal.h>
+#include <ZORPlatform/Security/SecItem.h>
+
+#include <algorithm>
+#include <limits>
+#include <utility>
+#include <vector>
+
+namespace ZORPlatform {
+namespace {
+
+using Data = SecItemValue::Data;
+
+constexpr std::size_t kNoLimit = std::numeric_limits<std::size_t>::max();
+constexpr std::size_t kCodeBytes = 4;
+constexpr std::size_t kPersistentReferenceBytes = 12;
+
+/// What the return keys ask for.
+struct Wanted {
+    bool data = false;
+    bool attributes = false;
+    bool persistentReference = false;
+
+    [[nodiscard]] bool any() const noexcept { return data || attributes || persistentReference; }
+    /// Whether one object answers, rather than a dictionary of several.
+    [[nodiscard]] bool isSingle() const noexcept { return data + attributes + persistentReference == 1; }
+};
+
+/// A dictionary of the application's, read.
+struct Request {
+    const ItemClass* itemClass = nullptr;
+    std::optional<std::int64_t> row;
+    ItemAttributes attributes;
+    const Data* value = nullptr;
+    std::optional<std::size_t> limit;
+    Wanted wanted;
+};
+
+OSStatus readClass(const SecItemDictionary& dictionary, Request& request) {
+    const SecItemValue* given = dictionary.find(kSecClass);
+    if (given == nullptr) return errSecSuccess;
+    const auto* name = given->as<std::u16string>();
+    if (name == nullptr) return errSecParam;
+    request.itemClass = findItemClass(fourLetterCode(*name));
+    return request.itemClass != nullptr ? errSecSuccess : errSecNoSuchClass;
+}
+
+OSStatus readPersistentReference(const SecItemValue& given, Request& request) {
+    const auto* bytes = given.as<Data>();
+    if (bytes == nullptr || bytes->size() != kPersistentReferenceBytes) return errSecParam;
+    const std::string_view reference(reinterpret_cast<const char*>(bytes->data()), bytes->size());
+    const ItemClass* itemClass = findItemClass(classCodeOf(reference));
+    if (itemClass == nullptr) return errSecParam;
+    if (request.itemClass != nullptr && request.itemClass != itemClass) return errSecItemNotFound;
+    request.itemClass = itemClass;
+    request.row = static_cast<std::int64_t>(readBigEndian(reference.substr(kCodeBytes)));
+    return errSecSuccess;
+}
+
+OSStatus readLimit(const SecItemValue& given, Request& request) {
+    if (const auto* text = given.as<std::u16string>()) {
+        if (*text != kSecMatchLimitOne && *text != kSecMatchLimitAll) return errSecParam;
+        request.limit = *text == kSecMatchLimitOne ? 1 : kNoLimit;
+        return errSecSuccess;
+    }
+    const auto* number = given.as<std::int64_t>();
+    if (number == nullptr || *number < 1) return errSecParam;
+    request.limit = static_cast<std::size_t>(*number);
+    return errSecSuccess;
+}
+
+OSStatus readFlag(const SecItemValue& given, bool& flag) {
+    const auto* value = given.as<bool>();
+    if (value == nullptr) return errSecParam;
+    flag = *value;
+    return errSecSuccess;
+}
+
+OSStatus readAttribute(std::u16string_view name, const SecItemValue& given, Request& request) {
+    if (request.itemClass == nullptr) return errSecParam;
+    const AttributeRule* rule = request.itemClass->find(fourLetterCode(name));
+    if (rule == nullptr) return errSecNoSuchAttr;
+    ItemAttribute attribute;
+    const OSStatus status = encodeAttribute(*rule, given, attribute);
+    if (status == errSecSuccess) request.attributes.set(std::move(attribute));
+    return status;
+}
+
+OSStatus readEntry(std::u16string_view name, const SecItemValue& given, Request& request) {
+    if (name == kSecClass || name == kSecValuePersistentRef) return errSecSuccess;
+    if (name == kSecMatchLimit) return readLimit(given, request);
+    if (name == kSecReturnData) return readFlag(given, request.wanted.data);
+    if (name == kSecReturnAttributes) return readFlag(given, request.wanted.attributes);
+    if (name == kSecReturnPersistentRef) return readFlag(given, request.wanted.persistentReference);
+    if (name == kSecReturnRef || name == kSecValueRef) return errSecUnimplemented;
+    if (name == kSecValueData) {
+        request.value = given.as<Data>();
+        return request.value != nullptr ? errSecSuccess : errSecParam;
+    }
+    return readAttribute(name, given, request);
+}
+
+OSStatus readEntries(const SecItemDictionary& dictionary, Request& request) {
+    for (const auto& [name, value] : dictionary) {
+        if (const OSStatus status = readEntry(name, value, request); status != errSecSuccess) return status;
+    }
+    return errSecSuccess;
+}
+
+/// A dictionary that says which items are meant.
+OSStatus readQuery(const SecItemDictionary& dictionary, Request& request) {
+    OSStatus status = readClass(dictionary, request);
+    if (const SecItemValue* reference = dictionary.find(kSecValuePersistentRef);
+        status == errSecSuccess && reference != nullptr) {
+        status = readPersistentReference(*reference, request);
+    }
+    if (status == errSecSuccess && request.itemClass == nullptr) status = errSecParam;
+    if (status == errSecSuccess) status = readEntries(dictionary, request);
+    return status == errSecSuccess && request.value != nullptr ? errSecParam : status;
+}
+
+/// A query for items to be changed: all of them, and none is given back.
+OSStatus readQueryForChange(const SecItemDictionary& dictionary, Request& request) {
+    const OSStatus status = readQuery(dictionary, request);
+    return status == errSecSuccess && (request.limit || request.wanted.any()) ? errSecParam : status;
+}
+
+/// The attributes of an item to be added.
+OSStatus readItem(const SecItemDictionary& dictionary, Request& request) {
+    OSStatus status = readClass(dictionary, request);
+    if (status == errSecSuccess && request.itemClass == nullptr) status = errSecParam;
+    if (status == errSecSuccess && dictionary.find(kSecValuePersistentRef) != nullptr) status = errSecParam;
+    if (status == errSecSuccess) status = readEntries(dictionary, request);
+    return status == errSecSuccess && request.limit ? errSecParam : status;
+}
+
+/// What is to change in items of a class.
+OSStatus readChanges(const ItemClass& itemClass, const SecItemDictionary& dictionary, Request& request) {
+    if (dictionary.size() == 0 || dictionary.find(kSecClass) != nullptr ||
+        dictionary.find(kSecValuePersistentRef) != nullptr) {
+        return errSecParam;
+    }
+    request.itemClass = &itemClass;
+    const OSStatus status = readEntries(dictionary, request);
+    return status == errSecSuccess && (request.limit || request.wanted.any()) ? errSecParam : status;
+}
+
+ItemAttribute encoded(const ItemClass& itemClass, std::u16string_view name, const SecItemValue& value) {
+    ItemAttribute attribute;
+    static_cast<void>(encodeAttribute(*itemClass.find(fourLetterCode(name)), value, attribute));
+    return attribute;
+}
+
+void complete(const ItemClass& itemClass, ItemAttributes& attributes) {
+    const auto setDefault = [&](std::u16string_view name, const SecItemValue& value) {
+        if (attributes.find(fourLetterCode(name)) == nullptr) attributes.set(encoded(itemClass, name, value));
+    };
+    setDefault(kSecAttrAccessible, itemClass.defaultAccessibility);
+    setDefault(kSecAttrAccessGroup, u"");
+    setDefault(kSecAttrSynchronizable, 0);
+    const NSDate now = NSDate::date();
+    attributes.set(encoded(itemClass, kSecAttrCreationDate, now));
+    attributes.set(encoded(itemClass, kSecAttrModificationDate, now));
+}
+
+/// Compares rows with what a query gives.
+class Matcher {
+public:
+    explicit Matcher(const Request& query) {
+        std::size_t covered = 0;
+        prefix_ = identityPrefix(*query.itemClass, query.attributes, covered);
+        for (const ItemAttribute& attribute : query.attributes) {
+            const auto key = query.itemClass->key.first(covered);
+            const bool isCovered =
+                std::any_of(key.begin(), key.end(), [&](const auto& rule) { return rule.code == attribute.code; });
+            if (!isCovered) tests_.push_back({&attribute, query.itemClass->isKey(attribute.code)});
+        }
+    }
+
+    /// What the identity of every match begins with.
+    [[nodiscard]] const std::string& prefix() const noexcept { return prefix_; }
+
+    /// @return `errSecItemNotFound` for a row that differs, `errSecDecode` for one that cannot be compared
+    [[nodiscard]] OSStatus compare(const ItemRow& row) const {
+        if (!row.identity.starts_with(prefix_)) return errSecItemNotFound;
+        for (const Test& test : tests_) {
+            if (const OSStatus status = compare(test, row.attributes); status != errSecSuccess) return status;
+        }
+        return errSecSuccess;
+    }
+
+private:
+    struct Test {
+        const ItemAttribute* attribute;
+        bool isKey;
+    };
+
+    static OSStatus compare(const Test& test, std::string_view attributes) {
+        AttributeReader reader(attributes);
+        for (ItemAttributeView stored; reader.next(stored);) {
+            if (stored.code != test.attribute->code) continue;
+            return stored.payload == test.attribute->payload ? errSecSuccess : errSecItemNotFound;
+        }
+        if (reader.isDamaged()) return errSecDecode;
+        // What is missing in a primary key counts as empty or 0.
+        const std::string& wanted = test.attribute->payload;
+        const bool isEmpty = wanted.find_first_not_of('\0') == std::string::npos;
+        return test.isKey && isEmpty ? errSecSuccess : errSecItemNotFound;
+    }
+
+    std::string prefix_;
+    std::vector<Test> tests_;
+};
+
+/// Calls `work` for every row that a query finds, with the status of comparing: success, or `errSecDecode`.
+template <class Work>
+OSStatus visitMatches(ItemStorage& storage, const Request& query, const Work& work) {
+    const Matcher matcher(query);
+    const auto visitor = [&](const ItemRow& row) -> OSStatus {
+        const OSStatus status = matcher.compare(row);
+        return status == errSecItemNotFound ? errSecSuccess : work(row, status);
+    };
+    return query.row ? storage.visitRow(*query.row, visitor) : storage.visit(matcher.prefix(), visitor);
+}
+
+Data persistentReference(std::string_view identity, std::int64_t number) {
+    std::string reference(identity.substr(0, kCodeBytes));
+    appendBigEndian(reference, static_cast<std::uint64_t>(number), kPersistentReferenceBytes - kCodeBytes);
+    return {reference.begin(), reference.end()};
+}
+
+std::u16string nameOf(std::uint32_t code) {
+    std::u16string name(kCodeBytes, u'\0');
+    for (std::size_t i = kCodeBytes; i-- != 0; code >>= 8) name[i] = static_cast<char16_t>(code & 0xFF);
+    return name;
+}
+
+OSStatus decodeAll(std::string_view attributes, SecItemDictionary& dictionary) {
+    AttributeReader reader(attributes);
+    for (ItemAttributeView attribute; reader.next(attribute);) {
+        std::optional<SecItemValue> value = decodeAttribute(attribute);
+        if (!value) return errSecDecode;
+        dictionary.set(nameOf(attribute.code), std::move(*value));
+    }
+    return reader.isDamaged() ? errSecDecode : errSecSuccess;
+}
+
+/// What is asked for of one item, in its form. Takes the value over.
+OSStatus present(const Wanted& wanted, const ItemRow& row, Data value, SecItemResult& result) {
+    if (wanted.isSingle() && wanted.data) {
+        result = std::move(value);
+        return errSecSuccess;
+    }
+    if (wanted.isSingle() && wanted.persistentReference) {
+        result = persistentReference(row.identity, row.number);
+        return errSecSuccess;
+    }
+    SecItemDictionary dictionary;
+    if (wanted.attributes) {
+        if (const OSStatus status = decodeAll(row.attributes, dictionary); status != errSecSuccess) return status;
+    }
+    if (wanted.data) dictionary.set(kSecValueData, std::move(value));
+    if (wanted.persistentReference) {
+        dictionary.set(kSecValuePersistentRef, persistentReference(row.identity, row.number));
+    }
+    result = std::move(dictionary);
+    return errSecSuccess;
+}
+
+void wipeBytes(Data& bytes) { wipe(bytes.data(), bytes.size()); }
+
+/// An item found, or the reason why it cannot be given.
+struct Found {
+    std::int64_t number;
+    OSStatus status;
+    SecItemResult result;
+};
+
+/// The oldest items found so far, as many as the limit allows.
+class OldestFirst {
+public:
+    explicit OldestFirst(std::size_t limit) : limit_(limit) {}
+
+    [[nodiscard]] bool takes(std::int64_t number) const noexcept {
+        return limit_ != 1 || found_.empty() || number < found_.front().number;
+    }
+    void take(Found found) {
+        if (limit_ == 1) found_.clear();
+        found_.push_back(std::move(found));
+    }
+    [[nodiscard]] std::vector<Found> take() {
+        std::sort(found_.begin(), found_.end(),
+                  [](const Found& left, const Found& right) { return left.number < right.number; });
+        if (found_.size() > limit_) found_.erase(found_.begin() + static_cast<std::ptrdiff_t>(limit_), found_.end());
+        return std::move(found_);
+    }
+
+private:
+    std::size_t limit_;
+    std::vector<Found> found_;
+};
+
+/// A row that is to change, out of the storage.
+struct Change {
+    std::int64_t number;
+    std::string identity;
+    ItemAttributes attributes;
+    WipingBuffer value;
+};
+
+WipingBuffer wipingCopy(Data bytes) {
+    WipingBuffer copy(bytes.size());
+    std::copy(bytes.begin(), bytes.end(), copy.data());
+    wipeBytes(bytes);
+    return copy;
+}
+
+std::span<const std::uint8_t> bytesOf(const Data* value) {
+    return value != nullptr ? std::span<const std::uint8_t>(*value) : std::span<const std::uint8_t>();
+}
+
+}  // namespace
+
+OSStatus ItemStore::open(std::unique_ptr<ItemStorage> storage, const SecItemKeySource& source,
+                         const std::filesystem::path& path, std::optional<ItemStore>& store) {
+    std::optional<std::string> mark;
+    OSStatus status = storage->keyCheck(mark);
+    if (status != errSecSuccess) return status;
+    WipingArray<std::uint8_t, SecItemKeySource::kKeyBytes> key;
+    status = source.copyKey(path, /*isNew=*/!mark, key.span());
+    if (status != errSecSuccess) return status;
+    ItemSealing sealing(std::as_const(key).span());
+    if (!mark) {
+        // Whoever comes first gives the storage its key; the others' must be the same one.
+        ItemTransaction transaction(*storage);
+        status = transaction.status();
+        if (status == errSecSuccess) status = storage->keyCheck(mark);
+        if (status == errSecSuccess && !mark) {
+            mark = sealing.mark();
+            status = storage->setKeyCheck(*mark);
+        }
+        status = transaction.finish(status);
+        if (status != errSecSuccess) return status;
+    }
+    if (!sealing.isMark(*mark)) return errSecAuthFailed;
+    store = ItemStore(std::move(storage), std::move(sealing));
+    return errSecSuccess;
+}
+
+OSStatus ItemStore::add(const SecItemDictionary& attributes, SecItemResult* result) {
+    Request item;
+    if (const OSStatus status = readItem(attributes, item); status != errSecSuccess) return status;
+    complete(*item.itemClass, item.attributes);
+    const std::string identity = identityOf(*item.itemClass, item.attributes);
+    const std::string encodedAttributes = item.attributes.encoded();
+    const auto sealed = sealing_.seal(identity, encodedAttributes, bytesOf(item.value));
+    if (!sealed) return errSecParam;
+    std::int64_t number = 0;
+    const OSStatus status = storage_->insert(identity, encodedAttributes, *sealed, number);
+    if (status != errSecSuccess || result == nullptr || !item.wanted.any()) return status;
+    return present(item.wanted, {number, identity, encodedAttributes, *sealed},
+                   item.value != nullptr ? *item.value : Data(), *result);
+}
+
+OSStatus ItemStore::copyMatching(const SecItemDictionary& query, SecItemResult* result) {
+    Request request;
+    if (const OSStatus status = readQuery(query, request); status != errSecSuccess) return status;
+    const std::size_t limit = request.limit.value_or(1);
+    OldestFirst oldest(limit);
+    const OSStatus status = visitMatches(*storage_, request, [&](const ItemRow& row, OSStatus compared) -> OSStatus {
+        if (!oldest.takes(row.number)) return errSecSuccess;
+        Found found{row.number, compared, {}};
+        // Whatever is given back has been authenticated, attributes as well as the value.
+        if (compared == errSecSuccess) {
+            std::optional<Data> value = sealing_.open(row.identity, row.attributes, row.sealed);
+            if (!value) {
+                found.status = errSecDecode;
+            } else if (request.wanted.data) {
+                found.status = present(request.wanted, row, std::move(*value), found.result);
+            } else {
+                wipeBytes(*value);
+                if (request.wanted.any()) found.status = present(request.wanted, row, {}, found.result);
+            }
+        }
+        oldest.take(std::move(found));
+        return errSecSuccess;
+    });
+    if (status != errSecSuccess) return status;
+
+    std::vector<Found> found = oldest.take();
+    if (found.empty()) return errSecItemNotFound;
+    for (const Found& item : found) {
+        if (item.status != errSecSuccess) return item.status;
+    }
+    if (result == nullptr || !request.wanted.any()) return errSecSuccess;
+    if (limit == 1) {
+        *result = std::move(found.front().result);
+        return errSecSuccess;
+    }
+    SecItemResult::Array array;
+    array.reserve(found.size());
+    for (Found& item : found) array.push_back(std::move(item.result));
+    *result = std::move(array);
+    return errSecSuccess;
+}
+
+OSStatus ItemStore::update(const SecItemDictionary& query, const SecItemDictionary& attributesToUpdate) {
+    Request request;
+    Request changes;
+    OSStatus status = readQueryForChange(query, request);
+    if (status == errSecSuccess) status = readChanges(*request.itemClass, attributesToUpdate, changes);
+    if (status != errSecSuccess) return status;
+
+    ItemTransaction transaction(*storage_);
+    if (transaction.status() != errSecSuccess) return transaction.status();
+    std::vector<Change> found;
+    status = visitMatches(*storage_, request, [&](const ItemRow& row, OSStatus compared) -> OSStatus {
+        if (compared != errSecSuccess) return compared;
+        std::optional<Data> value = sealing_.open(row.identity, row.attributes, row.sealed);
+        if (!value) return errSecDecode;
+        WipingBuffer kept = wipingCopy(std::move(*value));
+        std::optional<ItemAttributes> attributes = ItemAttributes::decoded(row.attributes);
+        if (!attributes) return errSecDecode;
+        found.push_back({row.number, std::string(row.identity), std::move(*attributes), std::move(kept)});
+        return errSecSuccess;
+    });
+    if (status == errSecSuccess && found.empty()) status = errSecItemNotFound;
+    const ItemAttribute now = encoded(*request.itemClass, kSecAttrModificationDate, NSDate::date());
+    for (Change& change : found) {
+        if (status != errSecSuccess) break;
+        for (const ItemAttribute& attribute : changes.attributes) {
+            if (attribute.code != fourLetterCode(kSecAttrCreationDate)) change.attributes.set(attribute);
+        }
+        change.attributes.set(now);
+        const std::string identity = identityOf(*request.itemClass, change.attributes);
+        const std::string attributes = change.attributes.encoded();
+        const auto sealed =
+            sealing_.seal(identity, attributes,
+                          changes.value != nullptr ? bytesOf(changes.value) : std::as_const(change.value).span());
+        if (!sealed) {
+            status = errSecParam;
+            break;
+        }
+        const bool keepsIdentity = identity == change.identity;
+        status =
+            storage_->replace(change.number, keepsIdentity ? std::nullopt : std::optional<std::string_view>(identity),
+                              attributes, *sealed);
+    }
+    return transaction.finish(status);
+}
+
+OSStatus ItemStore::remove(const SecItemDictionary& query) {
+    Request request;
+    if (const OSStatus status = readQueryForChange(query, request); status != errSecSuccess) return status;
+    ItemTransaction transaction(*storage_);
+    if (transaction.status() != errSecSuccess) return transaction.status();
+    std::vector<std::int64_t> numbers;
+    OSStatus status = visitMatches(*storage_, request, [&](const ItemRow& row, OSStatus compared) -> OSStatus {
+        if (compared == errSecSuccess) numbers.push_back(row.number);
+        return compared;
+    });
+    if (status == errSecSuccess && numbers.empty()) status = errSecItemNotFound;
+    for (const std::int64_t number : numbers) {
+        if (status == errSecSuccess) status = storage_->remove(number);
+    }
+    return transaction.finish(status);
+}
+
+}  // namespace ZORPlatform

@@ -1,0 +1,380 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <ZORPlatform/Security/SQLiteItemStorageInternal.h>
+
+#include <ZORPlatform/Foundation/NSFileManager.h>
+
+#include <sqlite3.h>
+
+#include <algorithm>
+#include <array>
+#include <string>
+#include <thread>
+#include <utility>
+
+namespace ZORPlatform {
+namespace {
+
+namespace fs = std::filesystem;
+
+// "ZORI" in the file's header: other programs' databases are left alone.
+constexpr int kApplicationId = 0x5A4F5249;
+
+constexpr auto kLongestWait = std::chrono::seconds(10);
+
+// The log is cut back to this after it has been copied into the file.
+constexpr const char* kSettings =
+    "PRAGMA synchronous=FULL;"
+    "PRAGMA secure_delete=ON;"
+    "PRAGMA cell_size_check=ON;"
+    "PRAGMA trusted_schema=OFF;"
+    "PRAGMA temp_store=MEMORY;"
+    "PRAGMA journal_size_limit=1048576;";
+
+struct Table {
+    const char* name;
+    const char* sql;
+};
+
+// The tables as `sqlite_schema` shows them. A file with any other is not a store, or not one of this release.
+constexpr std::array kTables{
+    Table{"items",
+          "CREATE TABLE items(row INTEGER PRIMARY KEY AUTOINCREMENT, identity BLOB NOT NULL UNIQUE, "
+          "attributes BLOB NOT NULL, value BLOB NOT NULL) STRICT"},
+    Table{"key_check", "CREATE TABLE key_check(mark BLOB NOT NULL) STRICT"},
+};
+
+// Step n makes version n + 1 of version n. A step that a release has had never changes.
+constexpr std::array kMigrations{
+    "CREATE TABLE items(row INTEGER PRIMARY KEY AUTOINCREMENT, identity BLOB NOT NULL UNIQUE, "
+    "attributes BLOB NOT NULL, value BLOB NOT NULL) STRICT;"
+    "CREATE TABLE key_check(mark BLOB NOT NULL) STRICT;"
+    "PRAGMA application_id=1515147849;",
+};
+static_assert(kApplicationId == 1515147849);
+
+// The one place where a failure of SQLite becomes a status of the item store.
+OSStatus statusOf(int result) {
+    switch (result & 0xFF) {
+        case SQLITE_OK:
+        case SQLITE_ROW:
+        case SQLITE_DONE:
+            return errSecSuccess;
+        case SQLITE_CONSTRAINT:
+            return result == SQLITE_CONSTRAINT_UNIQUE ? errSecDuplicateItem : errSecDecode;
+        case SQLITE_BUSY:
+        case SQLITE_LOCKED:
+            return errSecNotAvailable;
+        case SQLITE_NOMEM:
+            return errSecAllocate;
+        case SQLITE_TOOBIG:
+            return errSecParam;
+        case SQLITE_FULL:
+        case SQLITE_IOERR:
+        case SQLITE_READONLY:
+        case SQLITE_PERM:
+        case SQLITE_AUTH:
+        case SQLITE_NOLFS:
+        case SQLITE_CANTOPEN:
+            return errSecIO;
+        default:
+            return errSecDecode;
+    }
+}
+
+void bindBytes(sqlite3_stmt* statement, int position, std::string_view bytes) {
+    // Bytes that do not move before the statement is done with. An empty blob needs an address, else it is NULL.
+    sqlite3_bind_blob64(statement, position, bytes.empty() ? "" : bytes.data(), bytes.size(), SQLITE_STATIC);
+}
+
+std::string_view column(sqlite3_stmt* statement, int position) {
+    const void* bytes = sqlite3_column_blob(statement, position);
+    const int size = sqlite3_column_bytes(statement, position);
+    return {static_cast<const char*>(bytes), static_cast<std::size_t>(size)};
+}
+
+/// Puts a statement back at its beginning, whatever has happened.
+class Run {
+public:
+    explicit Run(sqlite3_stmt* statement) : statement_(statement) {}
+    ~Run() { sqlite3_reset(statement_); }
+    Run(const Run&) = delete;
+    Run& operator=(const Run&) = delete;
+
+    [[nodiscard]] int step() { return sqlite3_step(statement_); }
+
+private:
+    sqlite3_stmt* statement_;
+};
+
+/// The first string above all those that begin with `prefix`, which does not consist of 0xFF alone.
+std::string successor(std::string_view prefix) {
+    std::string next(prefix);
+    while (!next.empty() && next.back() == '\xFF') next.pop_back();
+    if (!next.empty()) next.back() = static_cast<char>(static_cast<unsigned char>(next.back()) + 1);
+    return next;
+}
+
+}  // namespace
+
+SQLiteItemStorage::SQLiteItemStorage() = default;
+
+SQLiteItemStorage::~SQLiteItemStorage() = default;
+
+void SQLiteItemStorage::Close::operator()(sqlite3* connection) const noexcept { sqlite3_close_v2(connection); }
+
+void SQLiteItemStorage::Finalize::operator()(sqlite3_stmt* statement) const noexcept { sqlite3_finalize(statement); }
+
+int SQLiteItemStorage::currentSchemaVersion() noexcept { return static_cast<int>(kMigrations.size()); }
+
+OSStatus SQLiteItemStorage::open(const fs::path& path, std::unique_ptr<SQLiteItemStorage>& storage) {
+    std::unique_ptr<SQLiteItemStorage> opened(new SQLiteItemStorage);
+    OSStatus status = opened->openFile(path);
+    if (status == errSecSuccess) status = opened->configure();
+    if (status == errSecSuccess) status = opened->checkOwner();
+    if (status == errSecSuccess) status = opened->useWriteAheadLog();
+    if (status == errSecSuccess) status = opened->migrate();
+    if (status == errSecSuccess) status = opened->checkSchema();
+    if (status == errSecSuccess) status = opened->prepare();
+    if (status == errSecSuccess) storage = std::move(opened);
+    return status;
+}
+
+OSStatus SQLiteItemStorage::openFile(const fs::path& path) {
+    if (!path.is_absolute() || path.native().find('\0') != std::string::npos) return errSecIO;
+    // SQLite would give a new file the mode that the umask leaves of 0644.
+    if (!NSFileManager::createPrivateDirectory(path.parent_path()) ||
+        NSFileManager::createPrivateFile(path, {}) == NSFileManager::Creation::failed) {
+        return errSecIO;
+    }
+    sqlite3* connection = nullptr;
+    constexpr int kFlags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE;
+    const int result = sqlite3_open_v2(path.c_str(), &connection, kFlags, nullptr);
+    connection_.reset(connection);
+    return statusOf(result);
+}
+
+OSStatus SQLiteItemStorage::configure() {
+    sqlite3_busy_handler(connection_.get(), waitForOthers, this);
+    sqlite3_db_config(connection_.get(), SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
+    return execute(kSettings);
+}
+
+// Before anything is written: the database of another program keeps its mode, too.
+OSStatus SQLiteItemStorage::checkOwner() {
+    // In this order: whoever makes the tables at this moment makes both at once.
+    int tables = 0;
+    int applicationId = 0;
+    OSStatus status = readNumber("SELECT count(*) FROM sqlite_schema", tables);
+    if (status == errSecSuccess) status = readNumber("PRAGMA application_id", applicationId);
+    return status == errSecSuccess && tables != 0 && applicationId != kApplicationId ? errSecDecode : status;
+}
+
+// The switch does not go through the busy handler: who comes second is refused at once, and has to come again.
+OSStatus SQLiteItemStorage::useWriteAheadLog() {
+    for (int attempt = 0;; ++attempt) {
+        sqlite3_stmt* prepared = nullptr;
+        int result = sqlite3_prepare_v2(connection_.get(), "PRAGMA journal_mode=WAL", -1, &prepared, nullptr);
+        const Statement statement(prepared);
+        if (result == SQLITE_OK) result = sqlite3_step(statement.get());
+        // Where a log cannot be shared, the mode stays another.
+        if (result == SQLITE_ROW) return column(statement.get(), 0) == "wal" ? errSecSuccess : errSecIO;
+        if ((result & 0xFF) != SQLITE_BUSY || waitForOthers(this, attempt) == 0) return statusOf(result);
+    }
+}
+
+OSStatus SQLiteItemStorage::migrate() {
+    int version = 0;
+    OSStatus status = readNumber("PRAGMA user_version", version);
+    if (status != errSecSuccess || version == currentSchemaVersion()) return status;
+
+    status = execute("BEGIN IMMEDIATE");
+    if (status != errSecSuccess) return status;
+    // Again, for another process may have been here first.
+    status = readNumber("PRAGMA user_version", version);
+    // A later release wrote it.
+    if (status == errSecSuccess && (version < 0 || version > currentSchemaVersion())) status = errSecDecode;
+    for (; status == errSecSuccess && version < currentSchemaVersion(); ++version) {
+        status = execute(kMigrations[static_cast<std::size_t>(version)]);
+    }
+    if (status == errSecSuccess) status = execute(("PRAGMA user_version=" + std::to_string(version)).c_str());
+    if (status == errSecSuccess) status = execute("COMMIT");
+    if (status != errSecSuccess && sqlite3_get_autocommit(connection_.get()) == 0) {
+        static_cast<void>(execute("ROLLBACK"));
+    }
+    return status;
+}
+
+// A schema can hold triggers and views, which run in whoever opens the file. Exactly the known tables are let in.
+OSStatus SQLiteItemStorage::checkSchema() {
+    sqlite3_stmt* prepared = nullptr;
+    int result = sqlite3_prepare_v2(connection_.get(),
+                                    "SELECT type, name, sql FROM sqlite_schema "
+                                    "WHERE name NOT IN ('sqlite_sequence', 'sqlite_autoindex_items_1')",
+                                    -1, &prepared, nullptr);
+    const Statement statement(prepared);
+    if (result != SQLITE_OK) return statusOf(result);
+    std::size_t known = 0;
+    while ((result = sqlite3_step(statement.get())) == SQLITE_ROW) {
+        const bool isKnown = std::any_of(kTables.begin(), kTables.end(), [&](const Table& table) {
+            return column(statement.get(), 0) == "table" && column(statement.get(), 1) == table.name &&
+                   column(statement.get(), 2) == table.sql;
+        });
+        if (!isKnown) return errSecDecode;
+        ++known;
+    }
+    if (result != SQLITE_DONE) return statusOf(result);
+    return known == kTables.size() ? errSecSuccess : errSecDecode;
+}
+
+OSStatus SQLiteItemStorage::prepare() {
+    const std::array<std::pair<Statement*, const char*>, 9> statements{{
+        {&visit_, "SELECT row, identity, attributes, value FROM items WHERE identity>=?1 AND identity<?2"},
+        {&visitRow_, "SELECT row, identity, attributes, value FROM items WHERE row=?1"},
+        {&insert_, "INSERT INTO items(identity, attributes, value) VALUES(?1, ?2, ?3)"},
+        {&replace_, "UPDATE items SET attributes=?1, value=?2 WHERE row=?3"},
+        {&replaceWithIdentity_, "UPDATE items SET attributes=?1, value=?2, identity=?4 WHERE row=?3"},
+        {&remove_, "DELETE FROM items WHERE row=?1"},
+        {&begin_, "BEGIN IMMEDIATE"},
+        {&commit_, "COMMIT"},
+        {&rollback_, "ROLLBACK"},
+    }};
+    for (const auto& [statement, sql] : statements) {
+        sqlite3_stmt* prepared = nullptr;
+        const int result =
+            sqlite3_prepare_v3(connection_.get(), sql, -1, SQLITE_PREPARE_PERSISTENT, &prepared, nullptr);
+        statement->reset(prepared);
+        if (result != SQLITE_OK) return statusOf(result);
+    }
+    return errSecSuccess;
+}
+
+OSStatus SQLiteItemStorage::execute(const char* sql) {
+    return statusOf(sqlite3_exec(connection_.get(), sql, nullptr, nullptr, nullptr));
+}
+
+OSStatus SQLiteItemStorage::readNumber(const char* sql, int& number) {
+    sqlite3_stmt* prepared = nullptr;
+    int result = sqlite3_prepare_v2(connection_.get(), sql, -1, &prepared, nullptr);
+    const Statement statement(prepared);
+    if (result == SQLITE_OK) result = sqlite3_step(statement.get());
+    if (result == SQLITE_ROW) number = sqlite3_column_int(statement.get(), 0);
+    return statusOf(result);
+}
+
+// Short steps: a change of somebody else's is over within the time that a sync takes.
+int SQLiteItemStorage::waitForOthers(void* self, int attempt) {
+    auto& storage = *static_cast<SQLiteItemStorage*>(self);
+    const Clock::time_point now = Clock::now();
+    if (attempt == 0) storage.waitingSince_ = now;
+    if (now - storage.waitingSince_ > kLongestWait) return 0;
+    std::this_thread::sleep_for(std::chrono::microseconds(100) * std::min(attempt + 1, 50));
+    return 1;
+}
+
+OSStatus SQLiteItemStorage::visitRows(sqlite3_stmt* statement, const Visitor& visitor) {
+    Run run(statement);
+    int result = SQLITE_OK;
+    while ((result = run.step()) == SQLITE_ROW) {
+        const ItemRow row{sqlite3_column_int64(statement, 0), column(statement, 1), column(statement, 2),
+                          column(statement, 3)};
+        if (const OSStatus status = visitor(row); status != errSecSuccess) return status;
+    }
+    return statusOf(result);
+}
+
+OSStatus SQLiteItemStorage::visit(std::string_view prefix, const Visitor& visitor) {
+    const std::string end = successor(prefix);
+    bindBytes(visit_.get(), 1, prefix);
+    bindBytes(visit_.get(), 2, end);
+    return visitRows(visit_.get(), visitor);
+}
+
+OSStatus SQLiteItemStorage::visitRow(std::int64_t number, const Visitor& visitor) {
+    sqlite3_bind_int64(visitRow_.get(), 1, number);
+    return visitRows(visitRow_.get(), visitor);
+}
+
+OSStatus SQLiteItemStorage::insert(std::string_view identity, std::string_view attributes, std::string_view sealed,
+                                   std::int64_t& number) {
+    bindBytes(insert_.get(), 1, identity);
+    bindBytes(insert_.get(), 2, attributes);
+    bindBytes(insert_.get(), 3, sealed);
+    Run run(insert_.get());
+    const OSStatus status = statusOf(run.step());
+    if (status == errSecSuccess) number = sqlite3_last_insert_rowid(connection_.get());
+    return status;
+}
+
+OSStatus SQLiteItemStorage::replace(std::int64_t number, std::optional<std::string_view> identity,
+                                    std::string_view attributes, std::string_view sealed) {
+    sqlite3_stmt* statement = identity ? replaceWithIdentity_.get() : replace_.get();
+    bindBytes(statement, 1, attributes);
+    bindBytes(statement, 2, sealed);
+    sqlite3_bind_int64(statement, 3, number);
+    if (identity) bindBytes(statement, 4, *identity);
+    Run run(statement);
+    return statusOf(run.step());
+}
+
+OSStatus SQLiteItemStorage::remove(std::int64_t number) {
+    sqlite3_bind_int64(remove_.get(), 1, number);
+    Run run(remove_.get());
+    return statusOf(run.step());
+}
+
+OSStatus SQLiteItemStorage::begin() {
+    Run run(begin_.get());
+    return statusOf(run.step());
+}
+
+OSStatus SQLiteItemStorage::commit() {
+    OSStatus status = errSecSuccess;
+    {
+        Run run(commit_.get());
+        status = statusOf(run.step());
+    }
+    if (status != errSecSuccess) rollback();
+    return status;
+}
+
+void SQLiteItemStorage::rollback() noexcept {
+    // A failure may have ended the change already.
+    if (sqlite3_get_autocommit(connection_.get()) != 0) return;
+    Run run(rollback_.get());
+    static_cast<void>(run.step());
+}
+
+OSStatus SQLiteItemStorage::keyCheck(std::optional<std::string>& mark) {
+    mark.reset();
+    sqlite3_stmt* prepared = nullptr;
+    // One statement, so that both are of one moment.
+    int result = sqlite3_prepare_v2(
+        connection_.get(), "SELECT (SELECT mark FROM key_check), EXISTS(SELECT 1 FROM items)", -1, &prepared, nullptr);
+    const Statement statement(prepared);
+    if (result == SQLITE_OK) result = sqlite3_step(statement.get());
+    if (result != SQLITE_ROW) return statusOf(result);
+    if (sqlite3_column_type(statement.get(), 0) != SQLITE_NULL) {
+        mark = std::string(column(statement.get(), 0));
+        return errSecSuccess;
+    }
+    // Items without the mark of their key: somebody took the mark away.
+    return sqlite3_column_int(statement.get(), 1) == 0 ? errSecSuccess : errSecDecode;
+}
+
+OSStatus SQLiteItemStorage::setKeyCheck(std::string_view mark) {
+    sqlite3_stmt* prepared = nullptr;
+    int result = sqlite3_prepare_v2(connection_.get(), "INSERT INTO key_check VALUES(?1)", -1, &prepared, nullptr);
+    const Statement statement(prepared);
+    if (result != SQLITE_OK) return statusOf(result);
+    bindBytes(statement.get(), 1, mark);
+    result = sqlite3_step(statement.get());
+    return statusOf(result);
+}
+
+bool SQLiteItemStorage::isCurrent() noexcept {
+    int hasMoved = 0;
+    return sqlite3_file_control(connection_.get(), "main", SQLITE_FCNTL_HAS_MOVED, &hasMoved) == SQLITE_OK &&
+           hasMoved == 0;
+}
+
+}  // namespace ZORPlatform

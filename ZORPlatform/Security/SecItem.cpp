@@ -1,0 +1,124 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <ZORPlatform/Security/SecItem.h>
+
+#include <ZORPlatform/Foundation/HostEnvironment.h>
+#include <ZORPlatform/Security/ItemStoreInternal.h>
+#include <ZORPlatform/Security/SQLiteItemStorageInternal.h>
+#include <ZORPlatform/Security/SecItemStore.h>
+
+#include <pthread.h>
+
+#include <mutex>
+#include <new>
+#include <utility>
+
+namespace ZORPlatform {
+namespace {
+
+namespace fs = std::filesystem;
+
+/// The store that the process has open, if any.
+class OpenStore {
+public:
+    // Never destroyed: threads of the application may still ask while the process exits.
+    static OpenStore& instance() {
+        static OpenStore& instance = *new OpenStore;
+        return instance;
+    }
+
+    template <class Work>
+    OSStatus use(const Work& work) {
+        // A key source that comes back here would wait for itself.
+        if (isInside) return errSecNotAvailable;
+        const Turn turn(mutex_);
+        try {
+            const OSStatus status = open();
+            return status == errSecSuccess ? work(*store_) : status;
+        } catch (const std::bad_alloc&) {
+            return errSecAllocate;
+        }
+    }
+
+    void setKeySource(std::shared_ptr<const SecItemKeySource> source) {
+        const Turn turn(mutex_);
+        store_.reset();
+        source_ = source ? std::move(source) : std::make_shared<const SecItemKeyFile>();
+    }
+
+    void close() {
+        const Turn turn(mutex_);
+        store_.reset();
+    }
+
+private:
+    /// The mutex held, and the thread marked as the one that holds it.
+    class Turn {
+    public:
+        explicit Turn(std::mutex& mutex) : lock_(mutex) { isInside = true; }
+        ~Turn() { isInside = false; }
+        Turn(const Turn&) = delete;
+        Turn& operator=(const Turn&) = delete;
+
+    private:
+        std::scoped_lock<std::mutex> lock_;
+    };
+
+    // SQLite cannot be taken across a fork, not even to be closed behind it, and what it knows of a file's locks would
+    // be wrong in the child. So there is nothing open while the process forks. A key source that forks while the store
+    // is being opened is left to its own: nothing is kept in the child that it does not use.
+    OpenStore() {
+        const auto afterFork = [] {
+            if (!isInside) instance().mutex_.unlock();
+        };
+        ::pthread_atfork(
+            [] {
+                if (isInside) return;
+                instance().mutex_.lock();
+                instance().store_.reset();
+            },
+            afterFork, afterFork);
+    }
+
+    OSStatus open() {
+        fs::path path = HostEnvironment::itemStorePath();
+        if (store_ && path == path_ && store_->storage().isCurrent()) return errSecSuccess;
+        store_.reset();
+        path_ = std::move(path);
+        std::unique_ptr<SQLiteItemStorage> storage;
+        const OSStatus status = SQLiteItemStorage::open(path_, storage);
+        return status == errSecSuccess ? ItemStore::open(std::move(storage), *source_, path_, store_) : status;
+    }
+
+    static inline thread_local bool isInside = false;
+
+    std::mutex mutex_;
+    std::shared_ptr<const SecItemKeySource> source_ = std::make_shared<const SecItemKeyFile>();
+    std::optional<ItemStore> store_;
+    fs::path path_;
+};
+
+}  // namespace
+
+OSStatus SecItemAdd(const SecItemDictionary& attributes, SecItemResult* result) {
+    return OpenStore::instance().use([&](ItemStore& store) { return store.add(attributes, result); });
+}
+
+OSStatus SecItemCopyMatching(const SecItemDictionary& query, SecItemResult* result) {
+    return OpenStore::instance().use([&](ItemStore& store) { return store.copyMatching(query, result); });
+}
+
+OSStatus SecItemUpdate(const SecItemDictionary& query, const SecItemDictionary& attributesToUpdate) {
+    return OpenStore::instance().use([&](ItemStore& store) { return store.update(query, attributesToUpdate); });
+}
+
+OSStatus SecItemDelete(const SecItemDictionary& query) {
+    return OpenStore::instance().use([&](ItemStore& store) { return store.remove(query); });
+}
+
+void SecItemStore::setKeySource(std::shared_ptr<const SecItemKeySource> source) {
+    OpenStore::instance().setKeySource(std::move(source));
+}
+
+void SecItemStore::close() { OpenStore::instance().close(); }
+
+}  // namespace ZORPlatform
