@@ -6,7 +6,7 @@
 // text is valid and why not.
 
 #include <ZORFoundation/ExplanationInternal.h>
-#include <ZORFoundation/FourUnitsInternal.h>
+#include <ZORPlatform/Foundation/FourUnitsInternal.h>
 #include <ZORPlatform/Foundation/Text.h>
 
 #include <algorithm>
@@ -16,6 +16,8 @@
 #include <string_view>
 
 namespace ZORFoundation {
+
+using ZORPlatform::fourUnits;
 
 /// A set of UTF-16 units, as a regular expression's bracket lists them.
 class CharacterClass {

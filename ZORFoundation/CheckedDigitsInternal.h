@@ -8,8 +8,8 @@
 //     isValidCheckedNumber<12>(text, [](const auto& body, std::int32_t check) { return body.remainder() == check; });
 
 #include <ZORFoundation/Explanation.h>
-#include <ZORFoundation/FourUnitsInternal.h>
 #include <ZORFoundation/StringChecks.h>
+#include <ZORPlatform/Foundation/FourUnitsInternal.h>
 #include <ZORPlatform/Foundation/NSString.h>
 
 #include <cstddef>
@@ -17,6 +17,11 @@
 #include <string_view>
 
 namespace ZORFoundation {
+
+using ZORPlatform::fourDigitsUnchecked;
+using ZORPlatform::fourUnits;
+using ZORPlatform::nonDigits;
+using ZORPlatform::withLeadingZeros;
 
 /// How many digits are the check.
 inline constexpr std::size_t kCheckDigits = 2;

@@ -4,7 +4,7 @@
 // Small automata over text that take about a cycle a unit.
 
 #include <ZORFoundation/CharacterRuleInternal.h>
-#include <ZORFoundation/FourUnitsInternal.h>
+#include <ZORPlatform/Foundation/FourUnitsInternal.h>
 
 #include <array>
 #include <cstddef>
@@ -13,6 +13,8 @@
 #include <string_view>
 
 namespace ZORFoundation {
+
+using ZORPlatform::fourUnits;
 
 /// An automaton over UTF-16 units whose states are shifts. The table has a row for each unit of Latin-1, which holds,
 /// for every state, the state that the unit leads to; the row shifted by a state has the next one in its lowest bits.

@@ -3,8 +3,8 @@
 
 #include <ZORFoundation/CheckedDigitsInternal.h>
 #include <ZORFoundation/ExplanationInternal.h>
-#include <ZORFoundation/FourUnitsInternal.h>
 #include <ZORFoundation/PiecewiseRemainderInternal.h>
+#include <ZORPlatform/Foundation/FourUnitsInternal.h>
 #include <ZORPlatform/Foundation/Text.h>
 
 #include <algorithm>
@@ -15,6 +15,13 @@
 
 namespace ZORFoundation {
 namespace {
+
+using ZORPlatform::fourDigitsUnchecked;
+using ZORPlatform::fourUnits;
+using ZORPlatform::kFourZeros;
+using ZORPlatform::lanesAboveNine;
+using ZORPlatform::nonDigits;
+using ZORPlatform::withLeadingZeros;
 
 constexpr std::size_t kShortestIban = 5;
 constexpr std::size_t kLongestIban = 32;

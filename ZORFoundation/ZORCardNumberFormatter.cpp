@@ -3,7 +3,7 @@
 
 #include <ZORFoundation/DisplayInternal.h>
 #include <ZORFoundation/ExplanationInternal.h>
-#include <ZORFoundation/FourUnitsInternal.h>
+#include <ZORPlatform/Foundation/FourUnitsInternal.h>
 #include <ZORPlatform/Foundation/Text.h>
 
 #include <algorithm>
@@ -12,9 +12,23 @@
 namespace ZORFoundation {
 namespace {
 
+using ZORPlatform::fourUnits;
+using ZORPlatform::inEveryLane;
+using ZORPlatform::kFourZeros;
+using ZORPlatform::nonDigits;
+
 constexpr std::size_t kCardUnits = 17;
-constexpr std::u16string_view kCardLayout = u"####\u00A0####\u00A0####\u00A0####\u00A0#";
-constexpr std::u16string_view kCreditCardLayout = u"####\u00A0####\u00A0####\u00A0#### #";
+
+struct CardLayout {
+    static constexpr std::u16string_view kText = u"####\u00A0####\u00A0####\u00A0####\u00A0#";
+};
+struct CreditCardLayout {
+    static constexpr std::u16string_view kText = u"####\u00A0####\u00A0####\u00A0#### #";
+};
+
+// What is taken out before a number is shown in each layout.
+constexpr auto isNothing = [](char16_t /*unit*/) noexcept { return false; };
+constexpr auto isSpace = [](char16_t unit) noexcept { return unit == u' '; };
 
 constexpr bool isAsciiDigit(char16_t unit) noexcept { return unit >= u'0' && unit <= u'9'; }
 
@@ -22,7 +36,7 @@ constexpr bool isAsciiDigit(char16_t unit) noexcept { return unit >= u'0' && uni
 // doubled: the number's last digit, which is not, follows four whole fours.
 constexpr bool isLuhnSumOfDigitsRoundUnchecked(const char16_t* digits) noexcept {
     constexpr std::uint64_t kDoubledLanes = 0xFFFF'0000'FFFF'0000;
-    constexpr std::uint64_t kEveryLane = 0x0001'0001'0001'0001;
+    constexpr std::uint64_t kEveryLane = inEveryLane(1);
     std::uint64_t sums = 0;
     for (std::size_t at = 0; at + 4 < kCardUnits; at += 4) {
         const std::uint64_t word = fourUnits(digits + at) - kFourZeros;
@@ -38,7 +52,7 @@ constexpr bool isLuhnSumOfDigitsRoundUnchecked(const char16_t* digits) noexcept 
 
 // The same sum for decimal digits of any script: those beyond ASCII count as 0, which is what "0" counts as.
 bool isLuhnSumRound(std::u16string_view units) noexcept {
-    ShortText<kCardUnits> digits;
+    ShortText<kCardUnits, u'0'> digits;
     for (const char16_t unit : units) digits.append(isAsciiDigit(unit) ? unit : u'0');
     return isLuhnSumOfDigitsRoundUnchecked(digits.view().data());
 }
@@ -61,9 +75,7 @@ bool areSeventeenDigits(const char16_t* units) noexcept {
 }
 
 // The number within a spelling: one unit more than needed, so that a long number shows.
-ShortText<kCardUnits + 1> numberIn(std::u16string_view text) noexcept {
-    return leadingUnits<kCardUnits + 1>(text, isCardNumberSeparator);
-}
+auto numberIn(std::u16string_view text) noexcept { return leadingUnits<kCardUnits + 1>(text, isCardNumberSeparator); }
 
 // The position in `text` of its unit number `index` that is no separator; the end of the text when it has fewer.
 std::size_t positionOfUnit(std::u16string_view text, std::size_t index) noexcept {
@@ -81,7 +93,7 @@ std::u16string ZORCardNumberFormatter::strippedCardNumber(std::u16string_view te
 }
 
 std::u16string ZORCardNumberFormatter::formattedCardNumber(std::u16string_view text) {
-    return inLayout(text, kCardLayout, u' ');
+    return inLayout<CardLayout>(leadingUnits<kCardUnits, u' '>(text, isNothing));
 }
 
 std::u16string ZORCardNumberFormatter::formattedCardNumberOptimal(std::u16string_view text) {
@@ -89,8 +101,7 @@ std::u16string ZORCardNumberFormatter::formattedCardNumberOptimal(std::u16string
 }
 
 std::u16string ZORCardNumberFormatter::formattedCreditCard(std::u16string_view text) {
-    const auto units = leadingUnits<kCardUnits>(text, [](char16_t unit) noexcept { return unit == u' '; });
-    return inLayout(units.view(), kCreditCardLayout, u' ');
+    return inLayout<CreditCardLayout>(leadingUnits<kCardUnits, u' '>(text, isSpace));
 }
 
 bool ZORCardNumberFormatter::isValidCardNumber(std::u16string_view text) noexcept {

@@ -1,16 +1,16 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <ZORFoundation/ZORPhoneNumberFormatter.h>
 
-#include <algorithm>
+#include <ZORFoundation/DisplayInternal.h>
 
 namespace ZORFoundation {
 namespace {
 
 constexpr std::u16string_view kScheme = u"tel://";
 
-constexpr bool isPunctuation(char16_t unit) noexcept {
-    return unit == u'(' || unit == u')' || unit == u'-' || unit == u' ' || unit == u'.';
-}
+constexpr auto isPunctuation = [](char16_t unit) noexcept {
+    return (unit == u'(') | (unit == u')') | (unit == u'-') | (unit == u' ') | (unit == u'.');
+};
 
 }  // namespace
 
@@ -19,11 +19,12 @@ std::u16string ZORPhoneNumberFormatter::formatPhoneNumber(std::u16string_view nu
 }
 
 std::u16string ZORPhoneNumberFormatter::formatPhoneNumber(std::u16string_view number, std::u16string_view token) {
-    std::u16string link(kScheme.size() + number.size() + token.size(), u'\0');
-    auto end = std::copy(kScheme.begin(), kScheme.end(), link.begin());
-    end = std::remove_copy_if(number.begin(), number.end(), end, isPunctuation);
-    end = std::copy(token.begin(), token.end(), end);
-    link.erase(end, link.end());
+    std::u16string link;
+    link.reserve(kScheme.size() + number.size() + token.size());
+    link.append(kScheme).append(number);
+    const std::size_t kept = copyWithoutSeparators(number, &link[kScheme.size()], number.size(), isPunctuation);
+    link.resize(kScheme.size() + kept);
+    link.append(token);
     return link;
 }
 

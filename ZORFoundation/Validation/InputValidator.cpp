@@ -3,8 +3,8 @@
 
 #include <ZORFoundation/CharacterRuleInternal.h>
 #include <ZORFoundation/CheckedDigitsInternal.h>
-#include <ZORFoundation/FourUnitsInternal.h>
 #include <ZORFoundation/ShiftAutomatonInternal.h>
+#include <ZORPlatform/Foundation/FourUnitsInternal.h>
 #include <ZORPlatform/Foundation/NSException.h>
 #include <ZORPlatform/Foundation/NSString.h>
 #include <ZORPlatform/Foundation/Text.h>
@@ -18,6 +18,11 @@
 
 namespace ZORFoundation {
 namespace {
+
+using ZORPlatform::fourDigitsUnchecked;
+using ZORPlatform::fourUnits;
+using ZORPlatform::kFourZeros;
+using ZORPlatform::nonDigits;
 
 constexpr std::u16string_view kDigits = u"0123456789";
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <ZORPlatform/Foundation/Text.h>
 
+#include <ZORPlatform/Foundation/FourUnitsInternal.h>
 #include <ZORPlatform/Foundation/Precondition.h>
 
 #include <unicode/brkiter.h>
@@ -14,7 +15,6 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
-#include <cstring>
 #include <memory>
 #include <new>
 
@@ -156,18 +156,11 @@ void appendScalar(std::u16string& text, char32_t scalar) {
 }
 
 void uppercase(std::u16string& text) {
-    // Four units at a time, as lanes of a word. Adding the distance to a bound sets a lane's highest bit from there on.
-    constexpr std::uint64_t kEveryLane = 0x0001'0001'0001'0001;
-    constexpr std::uint64_t kHighest = 0x8000 * kEveryLane;
-    const auto from = [](char16_t bound) { return kHighest - bound * kEveryLane; };
     std::size_t at = 0;
     for (; at + 4 <= text.size(); at += 4) {
-        std::uint64_t word = 0;
-        std::memcpy(&word, &text[at], sizeof word);
-        if ((((word + from(kFirstWithUpperCase)) | word) & kHighest) != 0) break;
-        const std::uint64_t areSmall = (word + from(u'a')) & ~(word + from(u'z' + 1)) & kHighest;
-        word -= areSmall >> 10;
-        std::memcpy(&text[at], &word, sizeof word);
+        const std::uint64_t word = fourUnits(&text[at]);
+        if (lanesFrom(word, kFirstWithUpperCase) != 0) break;
+        storeFourUnits(withAsciiCapitals(word), &text[at]);
     }
     for (; at < text.size() && text[at] < kFirstWithUpperCase; ++at) {
         if (text[at] >= u'a' && text[at] <= u'z') text[at] = static_cast<char16_t>(text[at] - 0x20);

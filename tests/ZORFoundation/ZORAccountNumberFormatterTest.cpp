@@ -6,7 +6,10 @@
 
 #include <gtest/gtest.h>
 #include <support/AllocationCount.h>
+#include <support/ExactText.h>
+#include <support/IdentifierModel.h>
 
+#include <optional>
 #include <random>
 #include <string>
 
@@ -65,6 +68,41 @@ TEST(ZORAccountNumberFormatter, ShowsAnIbanAsThePaddedPiecesWouldTrimmedAndUpper
     }
 }
 
+TEST(ZORAccountNumberFormatter, ShowsAnIbanOfAnyLengthBareAndTypedInGroups) {
+    const std::u16string number = u"be68azAZ`{@[09/:4703mt84MALT0110000123";
+    for (const std::u16string_view separator : {u"", u" ", u"-", u"\u00A0", u"  "}) {
+        for (std::size_t groupUnits = 1; groupUnits <= 6; ++groupUnits) {
+            for (std::size_t length = 0; length <= number.size(); ++length) {
+                std::u16string typed;
+                for (std::size_t at = 0; at < length; ++at) {
+                    if (at > 0 && at % groupUnits == 0) typed += separator;
+                    typed += number[at];
+                }
+                const support::ExactText text(typed);
+                ASSERT_EQ(Formatter::formattedAccountNumberAsIban(text.view()), literalIbanDisplay(typed));
+                ASSERT_EQ(Formatter::strippedAccountNumber(text.view()), number.substr(0, length));
+            }
+        }
+    }
+}
+
+TEST(ZORAccountNumberFormatter, ShowsABbanOfAnyLengthAsThePaddedPiecesWouldBeJoined) {
+    static constexpr std::u16string_view kUnits = u"0123456789aZ \u00A0-#\u0663";
+    std::mt19937 random(12);
+    for (int round = 0; round < 20'000; ++round) {
+        std::u16string typed;
+        for (std::size_t length = random() % 20; length > 0; --length)
+            typed.push_back(kUnits[random() % kUnits.size()]);
+        std::u16string padded = Formatter::strippedAccountNumber(typed);
+        ASSERT_EQ(padded, support::without(typed, u" -\u00A0"));
+        const bool isEmpty = padded.empty();
+        padded.resize(12, u' ');
+        const std::u16string shown = padded.substr(0, 3) + u'-' + padded.substr(3, 7) + u'-' + padded.substr(10);
+        ASSERT_EQ(Formatter::formattedAccountNumberAsBban(support::ExactText(typed).view()),
+                  isEmpty ? std::u16string() : shown);
+    }
+}
+
 TEST(ZORAccountNumberFormatter, ShowsABbanInAlwaysFourteenUnits) {
     EXPECT_EQ(Formatter::formattedAccountNumberAsBban(u"539007547034"), u"539-0075470-34");
     EXPECT_EQ(Formatter::formattedAccountNumberAsBban(u"5390075470349"), u"539-0075470-34");
@@ -93,6 +131,15 @@ TEST(ZORAccountNumberFormatter, ChoosesTheFormInWhichTheNumberIsValid) {
     EXPECT_EQ(Formatter::autoFormattedAccountNumber(std::nullopt), std::nullopt);
 }
 
+TEST(ZORAccountNumberFormatter, StripsANumberThatIsTooLongToBeValidAsAWhole) {
+    // The first 32 units are a valid number by themselves.
+    std::u16string text = u"MT64MALT011000012345MTLCAST00100";
+    ASSERT_TRUE(ZORAccountNumberValidator::isValidIban(text));
+    EXPECT_EQ(Formatter::autoFormattedAccountNumber(text), Formatter::formattedAccountNumberAsIban(text));
+    EXPECT_EQ(Formatter::autoFormattedAccountNumber(text + u" 7"), text + u"7");
+    EXPECT_EQ(Formatter::autoFormattedAccountNumber(u"5390075470340 0"), u"53900754703400");
+}
+
 TEST(ZORAccountNumberFormatter, GivesBackTheNumberWhenItsDisplayIsStripped) {
     std::mt19937 random(6);
     for (int round = 0; round < 2000; ++round) {
@@ -115,6 +162,11 @@ TEST(ZORAccountNumberFormatter, AllocatesOnlyItsResult) {
     EXPECT_EQ(allocations.count(), 2U);
     const std::u16string stripped = Formatter::strippedAccountNumber(u"539-0075470-34");
     EXPECT_EQ(allocations.count(), 3U);
+    for (const std::u16string_view text : {u"be68 5390 0754 7034", u"539-0075470-34", u"539-0075470-35"}) {
+        const support::AllocationCount one;
+        const std::optional<std::u16string> shown = Formatter::autoFormattedAccountNumber(text);
+        EXPECT_EQ(one.count(), 1U);
+    }
 }
 
 }  // namespace

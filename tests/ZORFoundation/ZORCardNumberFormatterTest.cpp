@@ -5,10 +5,10 @@
 
 #include <gtest/gtest.h>
 #include <support/AllocationCount.h>
+#include <support/ExactText.h>
 #include <support/IdentifierModel.h>
 
 #include <algorithm>
-#include <memory>
 #include <random>
 #include <string>
 
@@ -18,9 +18,8 @@ namespace {
 using Card = ZORCardNumberFormatter;
 
 void expectAgreement(std::u16string_view text) {
-    const auto exact = std::make_unique<char16_t[]>(text.size());
-    std::copy(text.begin(), text.end(), exact.get());
-    const std::u16string_view view(exact.get(), text.size());
+    const support::ExactText exact(text);
+    const std::u16string_view view = exact.view();
     ASSERT_EQ(Card::isValidCardNumber(view), support::literalIsValidCardNumber(text)) << ::testing::PrintToString(text);
     ASSERT_EQ(Card::isValidCardNumber(view), Card::explainCardNumber(view).isValid());
 }
@@ -50,6 +49,35 @@ TEST(ZORCardNumberFormatter, EndsACreditCardWithAnOrdinarySpaceAndTheLastDigit) 
     EXPECT_EQ(Card::formattedCreditCard(u"6703444444444444"), u"6703\u00A04444\u00A04444\u00A04444  ");
     EXPECT_EQ(Card::formattedCreditCard(u"\u00A067"), u"\u00A067 \u00A0    \u00A0    \u00A0      ");
     EXPECT_EQ(Card::formattedCreditCard(u""), u"    \u00A0    \u00A0    \u00A0      ");
+}
+
+TEST(ZORCardNumberFormatter, ShowsACardNumberAsThePiecesWouldBeJoined) {
+    static constexpr std::u16string_view kUnits = u"01234567890123456789aZ  \u00A0#-\u0663";
+    std::mt19937 random(13);
+    for (int round = 0; round < 20'000; ++round) {
+        std::u16string typed;
+        for (std::size_t length = random() % 26; length > 0; --length)
+            typed.push_back(kUnits[random() % kUnits.size()]);
+        const support::ExactText exact(typed);
+
+        const auto joined = [](std::u16string padded, std::u16string_view last) {
+            padded.resize(17, u' ');
+            std::u16string shown = padded.substr(0, 4);
+            for (const std::size_t at : {4U, 8U, 12U}) shown += u'\u00A0' + padded.substr(at, 4);
+            return shown.append(last) + padded[16];
+        };
+        ASSERT_EQ(Card::formattedCardNumber(exact.view()), joined(typed, u"\u00A0"));
+        ASSERT_EQ(Card::formattedCreditCard(exact.view()), joined(support::without(typed, u" "), u" "));
+
+        const std::u16string stripped = support::without(typed, u" \u00A0");
+        ASSERT_EQ(Card::strippedCardNumber(exact.view()), stripped);
+        std::u16string grown;
+        for (std::size_t at = 0; at < std::min<std::size_t>(stripped.size(), 17); ++at) {
+            if (at > 0 && at % 4 == 0) grown += u'\u00A0';
+            grown += stripped[at];
+        }
+        ASSERT_EQ(Card::formattedCardNumberOptimal(exact.view()), grown);
+    }
 }
 
 TEST(ZORCardNumberFormatter, AcceptsSeventeenDigitsWithALuhnSum) {

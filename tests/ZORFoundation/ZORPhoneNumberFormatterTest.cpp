@@ -3,6 +3,11 @@
 
 #include <gtest/gtest.h>
 #include <support/AllocationCount.h>
+#include <support/ExactText.h>
+#include <support/IdentifierModel.h>
+
+#include <random>
+#include <string>
 
 namespace ZORFoundation {
 namespace {
@@ -19,6 +24,19 @@ TEST(ZORPhoneNumberFormatter, EverythingElseStays) {
 TEST(ZORPhoneNumberFormatter, ANumberOfNothingGivesTheSchemeAlone) {
     EXPECT_EQ(ZORPhoneNumberFormatter::formatPhoneNumber(u""), u"tel://");
     EXPECT_EQ(ZORPhoneNumberFormatter::formatPhoneNumber(u"(). -"), u"tel://");
+}
+
+TEST(ZORPhoneNumberFormatter, ALinkIsWhatIsLeftOfTheNumberBetweenSchemeAndToken) {
+    static constexpr std::u16string_view kUnits = u"0123456789+/()-. \u00A0\u0663";
+    std::mt19937 random(15);
+    for (int round = 0; round < 20'000; ++round) {
+        std::u16string number;
+        for (std::size_t length = random() % 24; length > 0; --length)
+            number.push_back(kUnits[random() % kUnits.size()]);
+        const std::u16string token = number.substr(number.size() / 2);
+        ASSERT_EQ(ZORPhoneNumberFormatter::formatPhoneNumber(support::ExactText(number).view(), token),
+                  u"tel://" + support::without(number, u"()- .") + token);
+    }
 }
 
 TEST(ZORPhoneNumberFormatter, TheTokenFollowsAsItIs) {
