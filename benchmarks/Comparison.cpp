@@ -4,6 +4,7 @@
 #include <sys/resource.h>
 
 #include <algorithm>
+#include <chrono>
 #include <cstdio>
 #include <cstring>
 #include <map>
@@ -22,8 +23,8 @@ std::vector<Comparison>& comparisons() {
     return list;
 }
 
-// How a run is marked whose time is given rather than taken.
-constexpr const char* kManualTime = "manual_time";
+// How a run is marked whose CPU time counts.
+constexpr const char* kThreadTime = "";
 
 // CPU time of all children that were waited for.
 double childSeconds() {
@@ -62,7 +63,7 @@ public:
             if (run.run_type != Run::RT_Iteration || run.error_occurred) continue;
             // The function's own name: no suffix for repetitions or times.
             const double seconds =
-                run.run_name.time_type == kManualTime ? run.real_accumulated_time : run.cpu_accumulated_time;
+                run.run_name.time_type == kThreadTime ? run.cpu_accumulated_time : run.real_accumulated_time;
             rounds_[run.run_name.function_name].push_back(seconds / static_cast<double>(run.iterations));
         }
     }
@@ -119,15 +120,17 @@ private:
     std::map<std::string, std::vector<double>> rounds_;
 };
 
-void runWork(const Comparison& comparison, const Comparison::Contestant& contestant, benchmark::State& state) {
+void runWork(const Comparison& comparison, const Comparison::Work& work, benchmark::State& state) {
     for ([[maybe_unused]] auto _ : state) {
-        if (!comparison.isInChildProcesses()) {
-            contestant.work();
-            continue;
+        if (work.isTimedByItself()) {
+            state.SetIterationTime(std::chrono::duration<double>(work.time()).count());
+        } else if (comparison.clock() == Comparison::Clock::childProcesses) {
+            const double before = childSeconds();
+            work.run();
+            state.SetIterationTime(childSeconds() - before);
+        } else {
+            work.run();
         }
-        const double before = childSeconds();
-        contestant.work();
-        state.SetIterationTime(childSeconds() - before);
     }
 }
 
@@ -136,10 +139,16 @@ void registerAll(bool smoke) {
         for (const Comparison::Contestant& contestant : comparison.contestants()) {
             auto* run = benchmark::RegisterBenchmark(
                 runName(comparison, contestant).c_str(),
-                [&comparison, &contestant](benchmark::State& state) { runWork(comparison, contestant, state); });
-            if (comparison.isInChildProcesses()) run->UseManualTime();
+                [&comparison, &contestant](benchmark::State& state) { runWork(comparison, contestant.work, state); });
+            if (contestant.work.isTimedByItself() || comparison.clock() == Comparison::Clock::childProcesses) {
+                run->UseManualTime();
+            } else if (comparison.clock() == Comparison::Clock::elapsed) {
+                run->UseRealTime();
+            }
             if (smoke) {
                 run->Iterations(1);
+            } else if (contestant.work.isTimedByItself()) {
+                run->Repetitions(15)->Iterations(1);
             } else {
                 run->Repetitions(15)->MinTime(0.02);
             }
@@ -157,7 +166,12 @@ Comparison& Comparison::itemsPerCall(std::size_t items) {
 }
 
 Comparison& Comparison::inChildProcesses() {
-    inChildProcesses_ = true;
+    clock_ = Clock::childProcesses;
+    return *this;
+}
+
+Comparison& Comparison::onOtherThreads() {
+    clock_ = Clock::elapsed;
     return *this;
 }
 

@@ -2,7 +2,8 @@
 #pragma once
 
 // Benchmarks that compare: a candidate beside the floor the machine sets and the peers a user would pick, in one
-// process, their rounds in random order. The program ends with a table of ratios between medians of CPU time.
+// process, their rounds in random order. The program ends with a table of ratios between medians of CPU time, or of
+// elapsed time where the work goes on on other threads.
 //
 //     const Comparison iban = Comparison("isValidIban, mixed million")
 //         .itemsPerCall(numbers.size())
@@ -15,10 +16,13 @@
 
 #include <benchmark/benchmark.h>
 
+#include <chrono>
 #include <cstddef>
 #include <functional>
 #include <optional>
 #include <string>
+#include <type_traits>
+#include <utility>
 #include <vector>
 
 namespace benchmarks {
@@ -26,8 +30,29 @@ namespace benchmarks {
 /// One group of contestants and the goals of its candidate. Declare as objects of namespace scope.
 class Comparison {
 public:
-    /// Does the group's work once.
-    using Work = std::function<void()>;
+    /// Does the group's work once. One that returns nanoseconds says itself what counts, and is called once a round.
+    class Work {
+    public:
+        template <class Function>
+        Work(Function function) {  // Implicit: a lambda stands for it.
+            using Returned = std::invoke_result_t<Function&>;
+            static_assert(std::is_void_v<Returned> || std::is_same_v<Returned, std::chrono::nanoseconds>);
+            if constexpr (std::is_void_v<Returned>) {
+                run_ = std::move(function);
+            } else {
+                time_ = std::move(function);
+            }
+        }
+        [[nodiscard]] bool isTimedByItself() const noexcept { return time_ != nullptr; }
+        void run() const { run_(); }
+        [[nodiscard]] std::chrono::nanoseconds time() const { return time_(); }
+
+    private:
+        std::function<void()> run_;
+        std::function<std::chrono::nanoseconds()> time_;
+    };
+    /// Whose time counts.
+    enum class Clock { thisThread, childProcesses, elapsed };
 
     explicit Comparison(std::string name);
 
@@ -35,6 +60,8 @@ public:
     Comparison& itemsPerCall(std::size_t items);
     /// The work is done by child processes that it waits for: their CPU time counts, not this thread's.
     Comparison& inChildProcesses();
+    /// The work is done by threads that it waits for: elapsed time counts, so the machine is to be at rest.
+    Comparison& onOtherThreads();
     Comparison& candidate(Work work);
     Comparison& floor(std::string name, Work work);
     Comparison& peer(std::string name, Work work);
@@ -59,14 +86,14 @@ public:
 
     [[nodiscard]] const std::string& name() const noexcept { return name_; }
     [[nodiscard]] std::size_t items() const noexcept { return items_; }
-    [[nodiscard]] bool isInChildProcesses() const noexcept { return inChildProcesses_; }
+    [[nodiscard]] Clock clock() const noexcept { return clock_; }
     [[nodiscard]] const std::vector<Contestant>& contestants() const noexcept { return contestants_; }
     [[nodiscard]] const std::vector<Goal>& goals() const noexcept { return goals_; }
 
 private:
     std::string name_;
     std::size_t items_ = 1;
-    bool inChildProcesses_ = false;
+    Clock clock_ = Clock::thisThread;
     std::vector<Contestant> contestants_;
     std::vector<Goal> goals_;
 };
