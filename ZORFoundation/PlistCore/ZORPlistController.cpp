@@ -26,6 +26,21 @@ void wipe(std::optional<Bytes>& bytes) noexcept {
     if (bytes) ZORPlatform::wipe(bytes->data(), bytes->size());
 }
 
+/// The dictionary of settings as a list, lent and not copied: settings may be large.
+class LentDictionary {
+public:
+    explicit LentDictionary(PropertyListValue::Dictionary& owner) : owner_(owner), list_(std::move(owner)) {}
+    ~LentDictionary() { owner_ = std::move(*list_.as<PropertyListValue::Dictionary>()); }
+    LentDictionary(const LentDictionary&) = delete;
+    LentDictionary& operator=(const LentDictionary&) = delete;
+
+    [[nodiscard]] const PropertyListValue& list() const noexcept { return list_; }
+
+private:
+    PropertyListValue::Dictionary& owner_;
+    PropertyListValue list_;
+};
+
 // Throws for absent data, as the serialisation does.
 std::optional<PropertyListValue> parse(std::optional<Bytes> data) {
     std::optional<PropertyListValue> list = NSPropertyListSerialization::propertyListWithData(data);
@@ -78,7 +93,7 @@ void ZORPlistController::initWithEncryption(bool encrypted, std::u16string_view 
     try {
         list = readList();
     } catch (const ZORPlatform::NSException&) {
-        NSFileManager::copyAside(sandboxDir() / plistFilename(), ZORPlatform::HostEnvironment::stateDirectory(),
+        NSFileManager::keepAside(sandboxDir() / plistFilename(), ZORPlatform::HostEnvironment::stateDirectory(),
                                  kCopiesKeptAside);
         removeSettingsFile();
         installNewSettingsFile();
@@ -121,10 +136,8 @@ void ZORPlistController::removeSettingsFile() {
 bool ZORPlistController::persist() {
     std::optional<Bytes> data;
     if (dictionary) {
-        // Lent to the list for the time of writing: settings may be large.
-        PropertyListValue list(std::move(*dictionary));
-        data = NSPropertyListSerialization::dataWithPropertyList(list, NSPropertyListFormat::xml_v1_0);
-        dictionary = std::move(*list.as<PropertyListValue::Dictionary>());
+        const LentDictionary lent(*dictionary);
+        data = NSPropertyListSerialization::dataWithPropertyList(lent.list(), NSPropertyListFormat::xml_v1_0);
     }
     if (data && isEncrypted) {
         std::optional<Bytes> encrypted = ZORAESCrypt::zor_AES256EncryptWithKey(*data, encryptionKey);

@@ -77,7 +77,8 @@ public:
     /// Takes the arguments over and loads the file, installing the defaults first where there is no file at `dictPath`.
     /// An encrypted file that gives no list is tried with the legacy decryption, too, and is rewritten in the current
     /// one by the next `persist`. A file that cannot be read or decrypted at all is copied into the state directory of
-    /// `HostEnvironment` (mode 0600, the newest three are kept), deleted, and the defaults are installed in its place.
+    /// `HostEnvironment` (mode 0600, the newest three are kept; moved there when it cannot be copied), deleted, and the
+    /// defaults are installed in its place.
     ///
     /// Afterwards there is a dictionary: empty where the file holds another kind of list or none.
     ///

@@ -68,7 +68,16 @@ public:
     TemporaryFile& operator=(const TemporaryFile&) = delete;
 
     [[nodiscard]] bool isOpen() const noexcept { return descriptor_ >= 0; }
-    bool setMode(mode_t mode) { return systemCalls().fchmod(descriptor_, mode) == 0; }
+    /// Gives the file the owner, group and mode of another. The ownership as far as the system lets: only root can
+    /// give files away.
+    bool resemble(const struct stat& other) {
+        constexpr auto kSameOwner = static_cast<uid_t>(-1);
+        if (systemCalls().fchown(descriptor_, other.st_uid, other.st_gid) != 0) {
+            static_cast<void>(systemCalls().fchown(descriptor_, kSameOwner, other.st_gid));
+        }
+        // After the ownership, whose change takes bits of the mode away.
+        return systemCalls().fchmod(descriptor_, other.st_mode & kPermissionBits) == 0;
+    }
     bool fill(std::span<const std::uint8_t> bytes) {
         if (!writeAll(descriptor_, bytes) || systemCalls().fsync(descriptor_) != 0) return false;
         closed_ = true;
@@ -88,12 +97,6 @@ private:
     bool placed_ = false;
 };
 
-std::optional<mode_t> modeOf(const fs::path& path) {
-    struct stat status {};
-    if (::stat(path.c_str(), &status) != 0) return std::nullopt;
-    return status.st_mode & kPermissionBits;
-}
-
 fs::path directoryOf(const fs::path& path) {
     const fs::path directory = path.parent_path();
     return directory.empty() ? fs::path(".") : directory;
@@ -101,10 +104,11 @@ fs::path directoryOf(const fs::path& path) {
 
 bool replace(const fs::path& target, std::span<const std::uint8_t> bytes, mode_t modeOfNew) {
     const fs::path directory = directoryOf(target);
-    const std::optional<mode_t> oldMode = modeOf(target);
-    TemporaryFile temporary(directory, oldMode ? kPrivateMode : modeOfNew);
+    struct stat old {};
+    const bool isReplacement = ::stat(target.c_str(), &old) == 0;
+    TemporaryFile temporary(directory, isReplacement ? kPrivateMode : modeOfNew);
     // The mode comes before the content: what was private is never readable in between.
-    return temporary.isOpen() && (!oldMode || temporary.setMode(*oldMode)) && temporary.fill(bytes) &&
+    return temporary.isOpen() && (!isReplacement || temporary.resemble(old)) && temporary.fill(bytes) &&
            temporary.place(target) && syncDirectory(directory);
 }
 
@@ -188,18 +192,19 @@ bool NSFileManager::createPrivateDirectory(const fs::path& path) {
     return syncDirectory(above);
 }
 
-void NSFileManager::copyAside(const fs::path& file, const fs::path& directory, std::size_t keep) {
-    const std::optional<std::vector<std::uint8_t>> bytes = contentsAtPath(file);
-    if (!bytes) return;
+void NSFileManager::keepAside(const fs::path& file, const fs::path& directory, std::size_t keep) {
+    std::error_code error;
+    if (!namesAFile(file) || !fs::exists(fs::symlink_status(file, error))) return;
     if (!createPrivateDirectory(directory)) return;
 
     // Names sort by age: nanoseconds since 1970 have nineteen digits until the year 2286.
     const auto now = std::chrono::system_clock::now().time_since_epoch();
     const std::string prefix = file.filename().string() + ".";
     const std::string name = prefix + std::to_string(std::chrono::nanoseconds(now).count());
-    if (!replace(directory / name, *bytes, kPrivateMode)) return;
+    const std::optional<std::vector<std::uint8_t>> bytes = contentsAtPath(file);
+    const bool isCopied = bytes && replace(directory / name, *bytes, kPrivateMode);
+    if (!isCopied && systemCalls().rename(file.c_str(), (directory / name).c_str()) != 0) return;
 
-    std::error_code error;
     std::vector<fs::path> copies;
     for (fs::directory_iterator entry(directory, error), end; !error && entry != end; entry.increment(error)) {
         const std::string other = entry->path().filename().string();

@@ -39,7 +39,8 @@ public:
     /// `writeToFile:atomically:`
     ///
     /// Writes a temporary file in the same directory, makes it durable, and puts it in the target's place. The mode of
-    /// a replaced file is kept; a new one gets 0666 less the umask. A symbolic link at the target stays, and what it
+    /// a replaced file is kept, and its owner and group where the process may give files to them; a new one gets the
+    /// mode 0666 less the umask. A symbolic link at the target stays, and what it
     /// leads to is replaced. At every moment the old content or the new one is there, whole.
     ///
     /// @return whether the new content is there and durable. When it is false no temporary file is left, and the old
@@ -58,10 +59,10 @@ public:
     /// @return whether the directory is there
     [[nodiscard]] static bool createPrivateDirectory(const std::filesystem::path& path);
 
-    /// Copies a regular file to a new one of mode 0600 in `directory`, which is made with mode 0700 where it is
-    /// missing. Of earlier copies of the same file the `keep` - 1 newest stay. Fails silently: the copy is a
-    /// precaution.
-    static void copyAside(const std::filesystem::path& file, const std::filesystem::path& directory, std::size_t keep);
+    /// Keeps what is about to be deleted: copies it to a new file of mode 0600 in `directory`, which is made with mode
+    /// 0700 where it is missing. What cannot be read, or is no regular file, is moved there as it is. Of earlier ones
+    /// of the same name the `keep` - 1 newest stay. Fails silently: keeping is a precaution.
+    static void keepAside(const std::filesystem::path& file, const std::filesystem::path& directory, std::size_t keep);
 };
 
 }  // namespace ZORPlatform

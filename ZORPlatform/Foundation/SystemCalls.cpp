@@ -28,6 +28,7 @@ ssize_t SystemCalls::write(int descriptor, const void* bytes, std::size_t count)
     return ::write(descriptor, bytes, count);
 }
 int SystemCalls::fchmod(int descriptor, mode_t mode) { return ::fchmod(descriptor, mode); }
+int SystemCalls::fchown(int descriptor, uid_t owner, gid_t group) { return ::fchown(descriptor, owner, group); }
 int SystemCalls::fsync(int descriptor) { return ::fsync(descriptor); }
 int SystemCalls::close(int descriptor) { return ::close(descriptor); }
 int SystemCalls::rename(const char* from, const char* to) { return ::rename(from, to); }

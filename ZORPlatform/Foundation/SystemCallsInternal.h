@@ -22,6 +22,7 @@ public:
     virtual int open(const char* path, int flags, mode_t mode);
     virtual ssize_t write(int descriptor, const void* bytes, std::size_t count);
     virtual int fchmod(int descriptor, mode_t mode);
+    virtual int fchown(int descriptor, uid_t owner, gid_t group);
     virtual int fsync(int descriptor);
     virtual int close(int descriptor);
     virtual int rename(const char* from, const char* to);

@@ -37,6 +37,9 @@ public:
         return isDue() ? -1 : SystemCalls::write(descriptor, bytes, size);
     }
     int fchmod(int descriptor, mode_t mode) override { return isDue() ? -1 : SystemCalls::fchmod(descriptor, mode); }
+    int fchown(int descriptor, uid_t owner, gid_t group) override {
+        return isDue() ? -1 : SystemCalls::fchown(descriptor, owner, group);
+    }
     int fsync(int descriptor) override { return isDue() ? -1 : SystemCalls::fsync(descriptor); }
     int close(int descriptor) override {
         // A failing close has closed all the same.

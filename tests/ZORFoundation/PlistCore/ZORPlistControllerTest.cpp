@@ -155,6 +155,39 @@ TEST_F(ZORPlistControllerTest, TheReplacedFileIsKeptAsideThreeTimes) {
     EXPECT_EQ(contents, (std::vector<Bytes>{bytesOf("second"), bytesOf("third"), bytesOf("fourth")}));
 }
 
+TEST_F(ZORPlistControllerTest, AFileOfAnotherKeyIsReplacedByTheDefaultsAndKeptAside) {
+    installDefaults();
+    const auto settings = ZORPlistController::withEncryption<AppSettings>(true, kKey);
+    const Bytes before = readFile(file());
+    EXPECT_EQ(ZORPlistController::withEncryption<AppSettings>(true, kLongKey)->dictionary, defaults());
+    EXPECT_NE(ZORAESCrypt::zor_AES256DecryptWithKey(readFile(file()), kLongKey), std::nullopt);
+    ASSERT_EQ(filesIn(state()), 1U);
+    EXPECT_EQ(readFile(fs::directory_iterator(state())->path()), before);
+}
+
+TEST_F(ZORPlistControllerTest, APlainFileIsNoEncryptedOneAndIsReplaced) {
+    installDefaults();
+    writeSettings("<plist><dict/></plist>");
+    EXPECT_EQ(ZORPlistController::withEncryption<AppSettings>(true, kKey)->dictionary, defaults());
+}
+
+TEST_F(ZORPlistControllerTest, AnEmptyFileIsAnEmptyDictionaryUnlessItIsEncrypted) {
+    installDefaults();
+    writeSettings("");
+    EXPECT_EQ(ZORPlistController::withEncryption<AppSettings>(false, u"")->dictionary, Dictionary{});
+    EXPECT_EQ(readFile(file()), Bytes{});
+    EXPECT_EQ(ZORPlistController::withEncryption<AppSettings>(true, kKey)->dictionary, defaults());
+}
+
+TEST_F(ZORPlistControllerTest, WhatIsNoFileIsReplacedByTheDefaultsAndKeptAside) {
+    installDefaults();
+    fs::create_directories(file() / "folder");
+    EXPECT_EQ(ZORPlistController::withEncryption<AppSettings>(false, u"")->dictionary, defaults());
+    EXPECT_TRUE(fs::is_regular_file(file()));
+    ASSERT_EQ(filesIn(state()), 1U);
+    EXPECT_TRUE(fs::exists(fs::directory_iterator(state())->path() / "folder"));
+}
+
 TEST_F(ZORPlistControllerTest, RemovingTheFileOnRequestKeepsNoCopy) {
     installDefaults();
     const auto settings = ZORPlistController::withEncryption<AppSettings>(false, u"");
@@ -188,6 +221,34 @@ TEST_F(ZORPlistControllerTest, WithoutADefaultFileLoadingThrows) {
         EXPECT_EQ(exception.name(), u"NSInvalidArgumentException");
     }
     EXPECT_FALSE(AppSettings().exists());
+}
+
+TEST_F(ZORPlistControllerTest, DefaultsThatAreNoDictionaryAreNone) {
+    installDefaults("<array/>");
+    AppSettings settings;
+    settings.dictionary = Dictionary{{u"before", true}};
+    settings.installNewSettingsFile();
+    EXPECT_EQ(settings.dictionary, std::nullopt);
+    EXPECT_FALSE(settings.exists());
+}
+
+TEST_F(ZORPlistControllerTest, DefaultsMayHaveAnyFormOfAPropertyList) {
+    writeFile(resources() / "App.plist", bytesOf("{ language = nl; }"));
+    EXPECT_EQ(ZORPlistController::withEncryption<AppSettings>(false, u"")->dictionary, defaults());
+    EXPECT_EQ(readFile(file())[0], '<');
+}
+
+TEST_F(ZORPlistControllerTest, PersistEncryptsUnderTheKeyAndTheFlagOfTheMoment) {
+    installDefaults();
+    const auto settings = ZORPlistController::withEncryption<AppSettings>(false, u"");
+    settings->isEncrypted = true;
+    settings->encryptionKey = kKey;
+    EXPECT_TRUE(settings->persist());
+    EXPECT_EQ(ZORPlistController::withEncryption<AppSettings>(true, kKey)->dictionary, defaults());
+    settings->encryptionKey = kLongKey;
+    EXPECT_TRUE(settings->persist());
+    EXPECT_EQ(ZORPlistController::withEncryption<AppSettings>(true, kLongKey)->dictionary, defaults());
+    EXPECT_EQ(filesIn(state()), 0U);
 }
 
 TEST_F(ZORPlistControllerTest, SharedIsOneObjectWithNothingLoaded) {
@@ -232,6 +293,35 @@ TEST_F(ZORPlistControllerTest, TheLegacyFileIsFoundAndRemovedButNeverRead) {
     EXPECT_FALSE(settings.legacySettingsPlistFileExists());
 }
 
+TEST_F(ZORPlistControllerTest, AnOverriddenDirectoryMovesEveryPath) {
+    class Below : public AppSettings {
+    public:
+        fs::path sandboxDir() const override { return AppSettings::sandboxDir() / "below"; }
+    };
+    installDefaults();
+    fs::create_directory(documents() / "below");
+    EXPECT_EQ(ZORPlistController::withEncryption<Below>(false, u"")->dictionary, defaults());
+    EXPECT_TRUE(fs::exists(documents() / "below/App.plist"));
+    EXPECT_EQ(Below().dictPath(), documents() / "below/App.plist");
+    EXPECT_EQ(Below().legacySettingsPlistPath(), documents() / "below/Settings.plist");
+    EXPECT_TRUE(Below().exists());
+    EXPECT_FALSE(AppSettings().exists());
+}
+
+TEST_F(ZORPlistControllerTest, WithAnOverriddenPathRecoveryReplacesTheFileThatIsRead) {
+    class Elsewhere : public AppSettings {
+    public:
+        fs::path dictPath() const override { return sandboxDir() / "Elsewhere.plist"; }
+    };
+    installDefaults();
+    writeFile(documents() / "Elsewhere.plist", bytesOf("<plist><dict/></plist>"));
+    // The defaults go to the one path, and the other is read once more in vain.
+    EXPECT_THROW(static_cast<void>(ZORPlistController::withEncryption<Elsewhere>(false, u"")),
+                 ZORPlatform::NSException);
+    EXPECT_NE(readFile(documents() / "Elsewhere.plist"), bytesOf("<plist><dict/></plist>"));
+    EXPECT_FALSE(fs::exists(file()));
+}
+
 TEST_F(ZORPlistControllerTest, AnOverriddenPathIsWrittenToButNotReadFrom) {
     class Elsewhere : public AppSettings {
     public:
@@ -272,6 +362,37 @@ TEST_F(ZORPlistControllerTest, LoadingCallsItsStepsThroughTheObjectsClassInOrder
     EXPECT_EQ(ZORPlistController::withEncryption<Logging>(false, u"")->log, "current ");
     writeSettings("damaged");
     EXPECT_EQ(ZORPlistController::withEncryption<Logging>(true, kKey)->log, "current remove install persist current ");
+
+    // The current decryption gives bytes that are no list, and the legacy one gives nothing.
+    class NoLegacy : public Logging {
+    public:
+        std::optional<Bytes> getSettingsDataEncrypted(bool encrypted, bool legacy, std::u16string_view key) override {
+            const auto bytes = Logging::getSettingsDataEncrypted(encrypted, legacy, key);
+            if (isInstalled) return bytes;
+            return legacy ? std::nullopt : std::optional(bytesOf("{ no list"));
+        }
+        void installNewSettingsFile() override {
+            isInstalled = true;
+            Logging::installNewSettingsFile();
+        }
+
+    private:
+        bool isInstalled = false;
+    };
+    EXPECT_EQ(ZORPlistController::withEncryption<NoLegacy>(true, kKey)->log,
+              "current legacy remove install persist current ");
+
+    // Neither gives a list, but both give bytes: nothing is replaced.
+    class NoList : public Logging {
+    public:
+        std::optional<Bytes> getSettingsDataEncrypted(bool encrypted, bool legacy, std::u16string_view key) override {
+            static_cast<void>(Logging::getSettingsDataEncrypted(encrypted, legacy, key));
+            return bytesOf("{ no list");
+        }
+    };
+    const auto noList = ZORPlistController::withEncryption<NoList>(true, kKey);
+    EXPECT_EQ(noList->log, "current legacy ");
+    EXPECT_EQ(noList->dictionary, Dictionary{});
 }
 
 }  // namespace

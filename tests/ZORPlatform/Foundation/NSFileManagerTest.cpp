@@ -173,12 +173,46 @@ TEST(NSFileManager, RemovesFilesAndDirectoriesWithTheirContent) {
     EXPECT_EQ(directory.count(), 0U);
 }
 
+TEST(NSFileManager, KeepsTheOwnerOfAReplacedFileWhereItMay) {
+    struct Recorder : SystemCalls {
+        int fchown(int descriptor, uid_t owner, gid_t group) override {
+            asked.emplace_back(owner, group);
+            return mayGiveAway ? SystemCalls::fchown(descriptor, owner, group) : (errno = EPERM, -1);
+        }
+        bool mayGiveAway = true;
+        std::vector<std::pair<uid_t, gid_t>> asked;
+    };
+    const TemporaryDirectory directory;
+    const fs::path file = directory / "file";
+    writeFile(file, bytesOf("old"));
+    // Root gives the file to somebody else, for whom it then has to stay.
+    if (geteuid() == 0) {
+        ASSERT_EQ(chown(file.c_str(), 65534, 65534), 0);
+    }
+    struct stat before {};
+    ASSERT_EQ(stat(file.c_str(), &before), 0);
+    Recorder calls;
+    const ReplacedSystemCalls replaced(calls);
+    EXPECT_TRUE(NSFileManager::writeAtomically(file, bytesOf("new")));
+    struct stat after {};
+    ASSERT_EQ(stat(file.c_str(), &after), 0);
+    EXPECT_EQ(after.st_uid, before.st_uid);
+    EXPECT_EQ(after.st_gid, before.st_gid);
+    EXPECT_EQ(calls.asked, (std::vector{std::pair(before.st_uid, before.st_gid)}));
+
+    calls.mayGiveAway = false;
+    EXPECT_TRUE(NSFileManager::writeAtomically(file, bytesOf("newer")));
+    EXPECT_EQ(readFile(file), bytesOf("newer"));
+    ASSERT_EQ(calls.asked.size(), 3U);
+    EXPECT_EQ(calls.asked[2], std::pair(static_cast<uid_t>(-1), before.st_gid)) << "the group at least";
+}
+
 TEST(NSFileManager, KeepsTheNewestCopiesAside) {
     const TemporaryDirectory directory;
     const fs::path aside = directory / "state/copies";
     for (const char* content : {"1", "2", "3", "4", "5"}) {
         writeFile(directory / "file", bytesOf(content));
-        NSFileManager::copyAside(directory / "file", aside, 3);
+        NSFileManager::keepAside(directory / "file", aside, 3);
     }
     std::vector<fs::path> copies(fs::directory_iterator(aside), {});
     std::sort(copies.begin(), copies.end());
@@ -187,6 +221,41 @@ TEST(NSFileManager, KeepsTheNewestCopiesAside) {
     EXPECT_EQ(readFile(copies[2]), bytesOf("5"));
     EXPECT_EQ(modeOf(copies[0]), 0600U);
     EXPECT_EQ(modeOf(aside), 0700U);
+    EXPECT_TRUE(fs::exists(directory / "file"));
+}
+
+TEST(NSFileManager, MovesAsideWhatItCannotCopy) {
+    const TemporaryDirectory directory;
+    const fs::path aside = directory / "aside";
+    directory.write("folder/file", "content");
+    NSFileManager::keepAside(directory / "folder", aside, 3);
+    EXPECT_FALSE(fs::exists(directory / "folder"));
+    EXPECT_EQ(readFile(fs::directory_iterator(aside)->path() / "file"), bytesOf("content"));
+
+    writeFile(directory / "file", bytesOf("content"));
+    fs::create_directory(directory / "other");
+    {
+        // The first call opens the file to be read.
+        FailingSystemCalls failing(1, FailingSystemCalls::Outcome::fails, EIO);
+        const ReplacedSystemCalls replaced(failing);
+        NSFileManager::keepAside(directory / "file", directory / "other", 3);
+    }
+    EXPECT_FALSE(fs::exists(directory / "file"));
+    EXPECT_EQ(readFile(fs::directory_iterator(directory / "other")->path()), bytesOf("content"));
+}
+
+TEST(NSFileManager, KeepsNothingAsideWhereThereIsNothing) {
+    const TemporaryDirectory directory;
+    NSFileManager::keepAside(directory / "missing", directory / "aside", 3);
+    EXPECT_FALSE(fs::exists(directory / "aside"));
+}
+
+TEST(NSFileManager, LeavesAloneWhatItCanNeitherCopyNorMoveAside) {
+    const TemporaryDirectory directory;
+    writeFile(directory / "file", bytesOf("content"));
+    writeFile(directory / "aside", bytesOf("a file where the directory should be"));
+    NSFileManager::keepAside(directory / "file", directory / "aside", 3);
+    EXPECT_EQ(readFile(directory / "file"), bytesOf("content"));
 }
 
 }  // namespace
