@@ -88,21 +88,26 @@ private:
         if (::write(running_->wake.number(), &one, sizeof one) == sizeof one) running_->thread.join();
     }
 
-    /// In a child process: the instance is the parent's, too, and what is done to it would be done to the parent.
-    void closeDescriptors() const noexcept {
+    /// In a child process: the instance is the parent's, too, and what is done to it would be done to the parent. Its
+    /// thread is not there, so it is never destroyed; it stays linked, because it is not lost either.
+    void inherit() noexcept {
+        older_ = std::exchange(inherited_, this);
         if (running_ == nullptr) return;
         ::close(running_->watches.descriptor());
         ::close(running_->wake.number());
     }
 
     static std::atomic<EventReader*> current_;
+    static const EventReader* inherited_;
 
     std::mutex mutex_;
     bool isExiting_ = false;
     std::unique_ptr<Running> running_;
+    const EventReader* older_ = nullptr;
 };
 
 constinit std::atomic<EventReader*> EventReader::current_{nullptr};
+constinit const EventReader* EventReader::inherited_ = nullptr;
 
 EventReader& EventReader::shared() {
     EventReader* found = current_.load(std::memory_order_acquire);
@@ -110,7 +115,7 @@ EventReader& EventReader::shared() {
         static const struct Process {
             Process() {
                 pthread_atfork(nullptr, nullptr, [] {
-                    if (const EventReader* parents = current_.exchange(nullptr)) parents->closeDescriptors();
+                    if (EventReader* parents = current_.exchange(nullptr)) parents->inherit();
                 });
             }
             ~Process() {
