@@ -109,8 +109,9 @@ bool ZORCardNumberFormatter::isValidCardNumber(std::u16string_view text) noexcep
         return isLuhnSumOfDigitsRoundUnchecked(text.data());
     }
     const auto number = numberIn(text);
-    return number.view().size() == kCardUnits && firstNonDigit(number.view()) == kCardUnits &&
-           isLuhnSumRound(number.view());
+    if (number.view().size() != kCardUnits) return false;
+    if (areSeventeenDigits(number.data())) return isLuhnSumOfDigitsRoundUnchecked(number.data());
+    return firstNonDigit(number.view()) == kCardUnits && isLuhnSumRound(number.view());
 }
 
 Explanation ZORCardNumberFormatter::explainCardNumber(std::u16string_view text) noexcept {

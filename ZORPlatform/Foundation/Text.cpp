@@ -199,6 +199,7 @@ bool isLetter(char32_t scalar) noexcept {
 }
 
 bool isDecimalDigit(char32_t scalar) noexcept {
+    if (scalar < 0x80) return scalar >= u'0' && scalar <= u'9';
     const auto* const above = std::upper_bound(kDecimalZeros.begin(), kDecimalZeros.end(), scalar);
     return above != kDecimalZeros.begin() && scalar - *(above - 1) < 10;
 }
