@@ -4,10 +4,15 @@
 #include <ZORPlatform/Foundation/Text.h>
 
 #include <algorithm>
+#include <cstddef>
 #include <iterator>
+#include <optional>
 
 namespace ZORFoundation::StringExtension {
 namespace {
+
+// Whether a unit is a character of its own beside others of the kind.
+constexpr bool standsAlone(char16_t unit) noexcept { return unit < ZORPlatform::kFirstCombining && unit != u'\r'; }
 
 // The characters of a text as they are once its spaces are gone.
 class CharactersWithoutSpaces {
@@ -32,9 +37,6 @@ public:
     }
 
 private:
-    // Whether a unit is a character of its own beside others of the kind.
-    static bool standsAlone(char16_t unit) noexcept { return unit < ZORPlatform::kFirstCombining && unit != u'\r'; }
-
     std::u16string_view taken(std::size_t units) noexcept {
         const std::u16string_view result = rest_.substr(0, units);
         rest_.remove_prefix(units);
@@ -65,6 +67,32 @@ private:
     std::u16string_view rest_;
 };
 
+// Lays `text` into `shown`, which holds `pattern`, where every character is one unit: literals stand in their places
+// already.
+//
+// @param text  has a unit that is no space
+// @return how many units of `shown` are laid out; none where a character might be of several units
+std::optional<std::size_t> layOutUnits(std::u16string_view text, std::u16string_view pattern, char16_t mark,
+                                       char16_t* shown) noexcept {
+    const auto nextFrom = [text](std::size_t at) {
+        while (at < text.size() && text[at] == u' ') ++at;
+        return at;
+    };
+    std::size_t next = nextFrom(0);
+    for (std::size_t at = 0; at < pattern.size(); ++at) {
+        if (!standsAlone(pattern[at])) return std::nullopt;
+        if (pattern[at] != mark) continue;
+        if (!standsAlone(text[next])) return std::nullopt;
+        shown[at] = text[next];
+        next = nextFrom(next + 1);
+        if (next == text.size()) {
+            const std::size_t end = at + 1;
+            return end == pattern.size() || standsAlone(pattern[end]) ? std::optional(end) : std::nullopt;
+        }
+    }
+    return standsAlone(text[next]) ? std::optional(pattern.size()) : std::nullopt;
+}
+
 }  // namespace
 
 std::u16string formatTextWithPattern(std::u16string_view text, std::u16string_view pattern,
@@ -75,6 +103,12 @@ std::u16string formatTextWithPattern(std::u16string_view text, std::u16string_vi
     std::u16string result;
     // Room for characters of two units in every slot.
     result.reserve(pattern.size() + std::min(pattern.size(), text.size()));
+    if (formattingCharacter.size() == 1 && formattingCharacter[0] < ZORPlatform::kFirstDecomposable) {
+        result.append(pattern);
+        const auto units = layOutUnits(text, pattern, formattingCharacter[0], result.data());
+        result.resize(units.value_or(0));
+        if (units) return result;
+    }
     while (!pattern.empty() && !characters.isEmpty()) {
         const std::u16string_view mark = pattern.substr(0, ZORPlatform::characterEnd(pattern, 0));
         result += ZORPlatform::canonicallyEqual(mark, formattingCharacter) ? characters.next() : mark;

@@ -4,6 +4,7 @@
 #include <ZORPlatform/Foundation/NSException.h>
 #include <gtest/gtest.h>
 #include <support/AllocationCount.h>
+#include <support/ExactText.h>
 #include <support/PatternModel.h>
 
 #include <random>
@@ -74,10 +75,33 @@ TEST(FormatTextWithPattern, SkippingSpacesIsTheSameAsRemovingThem) {
     }
 }
 
+TEST(FormatTextWithPattern, CharactersOfOneUnitAreLaidOutAsAnyOthers) {
+    constexpr std::u16string_view kUnits = u"  0123456789aX-XXXX\u00E9\u0301";
+    std::mt19937 random(28);
+    const auto text = [&](std::size_t most) {
+        // Few have a combining mark, so that most go through whole.
+        const std::size_t choice = kUnits.size() - (random() % 4 == 0 ? 0 : 1);
+        std::u16string made(random() % most, u'\0');
+        for (char16_t& unit : made) unit = kUnits[random() % choice];
+        return made;
+    };
+    for (int round = 0; round < 30000; ++round) {
+        const std::u16string typed = text(12);
+        const std::u16string pattern = text(12);
+        for (const std::u16string_view mark : {u"X", u" ", u"\u00E9", u"XX"}) {
+            ASSERT_EQ(formatTextWithPattern(support::ExactText(typed).view(), support::ExactText(pattern).view(), mark),
+                      support::formattedPlainly(typed, pattern, mark))
+                << ::testing::PrintToString(typed) << ::testing::PrintToString(pattern);
+        }
+    }
+}
+
 TEST(FormatTextWithPattern, TheResultIsOneAllocation) {
-    const support::AllocationCount allocations;
-    (void)formatTextWithPattern(u"1234 5678 9012", u"XXXX-XXXX-XXXX-XXXX", u"X");
-    EXPECT_EQ(allocations.count(), 1U);
+    for (const std::u16string_view text : {u"1234 5678 9012", u"1\U0001F44D34 e\u0301\u20AC78"}) {
+        const support::AllocationCount allocations;
+        (void)formatTextWithPattern(text, u"XXXX-XXXX-XXXX-XXXX", u"X");
+        EXPECT_EQ(allocations.count(), 1U);
+    }
 }
 
 TEST(PatternMatches, CollectsCaptureGroupsInOrder) {
