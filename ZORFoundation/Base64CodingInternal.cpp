@@ -50,6 +50,13 @@ char16_t characterOf(unsigned value) noexcept {
 
 std::uint8_t valueOf(char character) noexcept { return kBase64Values[static_cast<unsigned char>(character)]; }
 
+// One unit or two. A call of libc's would take longer than the encoding of a line.
+char16_t* writeLineBreak(std::u16string_view lineBreak, char16_t* to) noexcept {
+    *to++ = lineBreak.front();
+    if (lineBreak.size() > 1) *to++ = lineBreak.back();
+    return to;
+}
+
 Base64Stop stopFor(std::uint8_t code) noexcept {
     return code == kEndsText ? Base64Stop::kPadding : Base64Stop::kNotAscii;
 }
@@ -73,9 +80,7 @@ void Base64Writer::append(std::span<const std::uint8_t> bytes) {
     units[3] = u'=';
 }
 
-void Base64Writer::append(std::u16string_view lineBreak) {
-    std::copy(lineBreak.begin(), lineBreak.end(), text_.room(lineBreak.size()));
-}
+void Base64Writer::append(std::u16string_view lineBreak) { writeLineBreak(lineBreak, text_.room(lineBreak.size())); }
 
 void Base64Writer::appendLines(const std::uint8_t* bytes, std::size_t lines, std::size_t lineBytes,
                                std::u16string_view lineBreak) {
@@ -94,7 +99,7 @@ void Base64Writer::appendLines(const std::uint8_t* bytes, std::size_t lines, std
         char16_t* to = text_.room(linesAtOnce * lineUnits);
         for (std::size_t line = 0; line < linesAtOnce; ++line, bytes += lineBytes) {
             encode(bytes, lineBytes / 3, to);
-            to = std::copy(lineBreak.begin(), lineBreak.end(), to + lineUnits - lineBreak.size());
+            to = writeLineBreak(lineBreak, to + lineUnits - lineBreak.size());
         }
         lines -= linesAtOnce;
     }
@@ -119,7 +124,9 @@ Base64Reader::Progress Base64Reader::read(std::u16string_view text, std::uint8_t
 }
 
 std::size_t Base64Reader::readCleanGroups(std::u16string_view text, std::uint8_t* bytes) noexcept {
-    const std::size_t groups = functions().decode(text.data(), text.size() / 4, bytes);
+    // A padded group at the end is not clean. Not to offer it is quicker than to let it be found out.
+    const std::size_t offered = text.ends_with(u'=') ? text.size() - 1 : text.size();
+    const std::size_t groups = functions().decode(text.data(), offered / 4, bytes);
     if (groups != 0) {
         // Of a full group only the second value is ever asked for again. It comes from the text: what has just been
         // stored under a mask is slow to load.

@@ -28,12 +28,13 @@ public:
     /// @param units  the length of the finished text, line breaks included
     explicit Base64Writer(std::size_t units) : text_(units) {}
 
-    /// Appends `lines` lines of `lineBytes` bytes each, a multiple of three, and `lineBreak` behind each of them.
+    /// Appends `lines` lines of `lineBytes` bytes each, a multiple of three, and `lineBreak`, one unit or two, behind
+    /// each of them.
     void appendLines(const std::uint8_t* bytes, std::size_t lines, std::size_t lineBytes,
                      std::u16string_view lineBreak);
     /// Appends `bytes` as groups. A last group of one or two bytes is padded with "=", so it ends the text.
     void append(std::span<const std::uint8_t> bytes);
-    /// Appends ASCII that is not encoded.
+    /// Appends a line break, one unit or two.
     void append(std::u16string_view lineBreak);
     /// The text. The last operation of an object.
     [[nodiscard]] std::u16string finish() { return text_.finish(); }

@@ -6,6 +6,7 @@
 // g++ 12 initialises its "undefined" vectors with themselves and then warns of it.
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wmaybe-uninitialized"
+#pragma GCC diagnostic ignored "-Wuninitialized"
 #include <immintrin.h>
 #pragma GCC diagnostic pop
 #else
@@ -247,8 +248,9 @@ template <typename Unit>
     return done + decodePortable(text, groups - done, bytes);
 }
 
-// With byte permutations across a whole register both tables fit one instruction, and masks take the last, shorter
-// step in the same way as the others.
+// With byte permutations across a whole register both tables fit one instruction. The last, shorter step goes back so
+// far that it is a whole one. A mask would do, too, but a masked step occupies all 64 bytes: what lies behind the text,
+// often its result, is then waited for.
 
 [[gnu::target("avx512bw,avx512vbmi")]] inline void storeCharacters(char* text, __m512i characters) {
     _mm512_storeu_si512(text, characters);
@@ -315,6 +317,17 @@ constexpr std::array<std::uint8_t, 64> kJoin512 = [] {
     return order;
 }();
 
+// The bytes of kGroupsOf512 groups, and no more.
+[[gnu::target("avx512bw,avx512vbmi")]] inline __m512i loadGroups512(const std::uint8_t* bytes) {
+    return _mm512_inserti32x4(_mm512_castsi256_si512(_mm256_loadu_si256(reinterpret_cast<const __m256i*>(bytes))),
+                              _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes + 32)), 2);
+}
+
+[[gnu::target("avx512bw,avx512vbmi")]] inline void storeGroups512(std::uint8_t* bytes, __m512i joined) {
+    _mm256_storeu_si256(reinterpret_cast<__m256i*>(bytes), _mm512_castsi512_si256(joined));
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(bytes + 32), _mm512_extracti32x4_epi32(joined, 2));
+}
+
 template <typename Unit>
 [[gnu::target("avx512bw,avx512vbmi")]] void encodeAVX512(const std::uint8_t* bytes, std::size_t groups, Unit* text) {
     const __m512i spread = _mm512_loadu_si512(kSpread512.data());
@@ -326,13 +339,19 @@ template <typename Unit>
         // The lookup reads the lower six bits of each index only.
         return _mm512_permutexvar_epi8(values, alphabet);
     };
-    for (; groups >= kGroupsOf512; groups -= kGroupsOf512, bytes += 48, text += 64) {
-        storeCharacters(text, charactersOf(_mm512_maskz_loadu_epi8(lowestBits(48), bytes)));
-    }
-    if (groups != 0) {
+    if (groups < kGroupsOf512) {
+        if (groups == 0) return;
         const __m512i in = _mm512_maskz_loadu_epi8(lowestBits(3 * groups), bytes);
         storeCharacters(text, charactersOf(in), lowestBits(4 * groups));
+        return;
     }
+    std::size_t done = 0;
+    for (; groups - done >= kGroupsOf512; done += kGroupsOf512) {
+        storeCharacters(text + 4 * done, charactersOf(loadGroups512(bytes + 3 * done)));
+    }
+    if (done == groups) return;
+    done = groups - kGroupsOf512;
+    storeCharacters(text + 4 * done, charactersOf(loadGroups512(bytes + 3 * done)));
 }
 
 template <typename Unit>
@@ -349,28 +368,38 @@ template <typename Unit>
     const auto oddOf = [](__m512i in, __m512i values) __attribute__((target("avx512bw,avx512vbmi"))) {
         return static_cast<std::uint64_t>(_mm512_movepi8_mask(_mm512_or_si512(in, values)));
     };
-    std::size_t done = 0;
-    for (; groups - done >= kGroupsOf512; done += kGroupsOf512, text += 64, bytes += 48) {
-        const __m512i in = loadCharacters512(text);
+    const auto cleanOf = [](std::uint64_t odd) { return static_cast<std::size_t>(std::countr_zero(odd)) / 4; };
+    if (groups < kGroupsOf512) {
+        if (groups == 0) return 0;
+        const __m512i in = loadCharacters512(text, lowestBits(4 * groups));
+        const __m512i values = _mm512_permutex2var_epi8(valuesLow, in, valuesHigh);
+        const std::size_t clean = std::min(cleanOf(oddOf(in, values)), groups);
+        _mm512_mask_storeu_epi8(bytes, lowestBits(3 * clean), joinedOf(values));
+        return clean;
+    }
+    const auto decodeAt = [&](std::size_t at) __attribute__((target("avx512bw,avx512vbmi"))) {
+        const __m512i in = loadCharacters512(text + 4 * at);
         const __m512i values = _mm512_permutex2var_epi8(valuesLow, in, valuesHigh);
         const std::uint64_t odd = oddOf(in, values);
-        const __m512i joined = joinedOf(values);
-        if (odd != 0) {
-            const std::size_t clean = static_cast<std::size_t>(std::countr_zero(odd)) / 4;
-            _mm512_mask_storeu_epi8(bytes, lowestBits(3 * clean), joined);
-            return done + clean;
-        }
-        // A masked store costs more than two plain ones.
-        _mm256_storeu_si256(reinterpret_cast<__m256i*>(bytes), _mm512_castsi512_si256(joined));
-        _mm_storeu_si128(reinterpret_cast<__m128i*>(bytes + 32), _mm512_extracti32x4_epi32(joined, 2));
+        if (odd == 0) storeGroups512(bytes + 3 * at, joinedOf(values));
+        return odd;
+    };
+    std::size_t done = 0;
+    std::uint64_t odd = 0;
+    for (; groups - done >= kGroupsOf512; done += kGroupsOf512) {
+        odd = decodeAt(done);
+        if (odd != 0) break;
     }
-    if (done == groups) return done;
-    const __m512i in = loadCharacters512(text, lowestBits(4 * (groups - done)));
-    const __m512i values = _mm512_permutex2var_epi8(valuesLow, in, valuesHigh);
-    const std::uint64_t odd = oddOf(in, values);
-    const std::size_t clean = odd == 0 ? groups - done : static_cast<std::size_t>(std::countr_zero(odd)) / 4;
-    _mm512_mask_storeu_epi8(bytes, lowestBits(3 * clean), joinedOf(values));
-    return done + clean;
+    if (odd == 0 && done != groups) {
+        done = groups - kGroupsOf512;
+        odd = decodeAt(done);
+    }
+    if (odd == 0) return groups;
+    const std::size_t clean = done + cleanOf(odd);
+    if (clean == done) return done;
+    if (clean < kGroupsOf512) return decodeAVX512(text, clean, bytes);
+    decodeAt(clean - kGroupsOf512);
+    return clean;
 }
 
 template <typename Unit>

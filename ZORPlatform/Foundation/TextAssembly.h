@@ -26,7 +26,7 @@ public:
 
     /// @param units  the length of the finished text
     explicit TextAssembly(std::size_t units)
-        : isShort_(units <= kZeros.size()), text_(kZeros.data(), isShort_ ? units : 0) {
+        : isShort_(units <= kZeros.size()), text_(isShort_ ? zeros(units) : std::u16string()) {
         if (!isShort_) text_.reserve(units);
     }
 
@@ -45,6 +45,9 @@ public:
 
 private:
     static constexpr std::array<char16_t, 256> kZeros{};
+
+    /// @param units  at most as many as kZeros has
+    static std::u16string zeros(std::size_t units);
 
     void flush() {
         text_.append(chunk_.first(used_).data(), used_);
