@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <ZORPlatform/Security/ItemSealingInternal.h>
 
+#include <ZORPlatform/CommonCrypto/ErrorQueueMarkInternal.h>
 #include <ZORPlatform/Foundation/Arc4Random.h>
 #include <ZORPlatform/Foundation/Wiping.h>
 #include <ZORPlatform/Security/ItemAttributesInternal.h>
 
-#include <openssl/err.h>
 #include <openssl/evp.h>
 
 #include <climits>
@@ -53,10 +53,10 @@ bool begin(EVP_CIPHER_CTX* context, const unsigned char* vector, std::string_vie
 void ItemSealing::Free::operator()(evp_cipher_ctx_st* context) const noexcept { EVP_CIPHER_CTX_free(context); }
 
 ItemSealing::Context ItemSealing::keyed(std::span<const std::uint8_t, kKeyBytes> key, bool encrypts) {
+    const ErrorQueueMark mark;
     Context context(EVP_CIPHER_CTX_new());
     if (!context || cipher() == nullptr ||
         EVP_CipherInit_ex2(context.get(), cipher(), key.data(), nullptr, encrypts ? 1 : 0, nullptr) != 1) {
-        ERR_clear_error();
         throw std::bad_alloc();
     }
     return context;
@@ -75,6 +75,7 @@ std::optional<std::string> ItemSealing::seal(std::string_view identity, std::str
     arc4random_buf(vector, kVectorBytes);
     unsigned char* ciphertext = vector + kVectorBytes;
     int length = 0;
+    const ErrorQueueMark mark;
     const bool succeeded =
         begin(sealing_.get(), vector, identity, attributes) &&
         (value.empty() ||
@@ -83,7 +84,6 @@ std::optional<std::string> ItemSealing::seal(std::string_view identity, std::str
         EVP_CIPHER_CTX_ctrl(sealing_.get(), EVP_CTRL_AEAD_GET_TAG, kTagBytes, ciphertext + value.size()) == 1;
     if (!succeeded) {
         // Data cannot make the cryptography library fail here, only want of memory can.
-        ERR_clear_error();
         throw std::bad_alloc();
     }
     return sealed;
@@ -99,6 +99,7 @@ std::optional<std::vector<std::uint8_t>> ItemSealing::open(std::string_view iden
         const_cast<unsigned char*>(vector + kVectorBytes + size);  // NOLINT(cppcoreguidelines-pro-type-const-cast)
     std::vector<std::uint8_t> value(size);
     int length = 0;
+    const ErrorQueueMark mark;
     unsigned char none = 0;
     const bool succeeded = begin(opening_.get(), vector, identity, attributes) &&
                            (size == 0 || EVP_CipherUpdate(opening_.get(), value.data(), &length, vector + kVectorBytes,
@@ -106,7 +107,6 @@ std::optional<std::vector<std::uint8_t>> ItemSealing::open(std::string_view iden
                            EVP_CIPHER_CTX_ctrl(opening_.get(), EVP_CTRL_AEAD_SET_TAG, kTagBytes, tag) == 1 &&
                            EVP_CipherFinal_ex(opening_.get(), &none, &length) == 1;
     if (succeeded) return value;
-    ERR_clear_error();
     wipe(value.data(), value.size());
     return std::nullopt;
 }

@@ -4,10 +4,13 @@
 #include <ZORPlatform/Foundation/NSDate.h>
 #include <ZORPlatform/Foundation/Wiping.h>
 #include <ZORPlatform/Security/ItemAttributesInternal.h>
+#include <ZORPlatform/Security/ItemReferencesInternal.h>
 #include <ZORPlatform/Security/SecItem.h>
 
 #include <algorithm>
+#include <concepts>
 #include <limits>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -24,11 +27,13 @@ constexpr std::size_t kPersistentReferenceBytes = 12;
 struct Wanted {
     bool data = false;
     bool attributes = false;
+    bool reference = false;
     bool persistentReference = false;
 
-    [[nodiscard]] bool any() const noexcept { return data || attributes || persistentReference; }
-    /// Whether one object answers, rather than a dictionary of several.
-    [[nodiscard]] bool isSingle() const noexcept { return data + attributes + persistentReference == 1; }
+    [[nodiscard]] int count() const noexcept { return data + attributes + reference + persistentReference; }
+    [[nodiscard]] bool any() const noexcept { return count() != 0; }
+    /// Whether it takes the value.
+    [[nodiscard]] bool value() const noexcept { return data || reference; }
 };
 
 /// A dictionary of the application's, read.
@@ -37,6 +42,7 @@ struct Request {
     std::optional<std::int64_t> row;
     ItemAttributes attributes;
     const Data* value = nullptr;
+    const SecItemValue* reference = nullptr;
     std::optional<std::size_t> limit;
     Wanted wanted;
 };
@@ -97,7 +103,11 @@ OSStatus readEntry(std::u16string_view name, const SecItemValue& given, Request&
     if (name == kSecReturnData) return readFlag(given, request.wanted.data);
     if (name == kSecReturnAttributes) return readFlag(given, request.wanted.attributes);
     if (name == kSecReturnPersistentRef) return readFlag(given, request.wanted.persistentReference);
-    if (name == kSecReturnRef || name == kSecValueRef) return errSecUnimplemented;
+    if (name == kSecReturnRef) return readFlag(given, request.wanted.reference);
+    if (name == kSecValueRef) {
+        request.reference = &given;
+        return errSecSuccess;
+    }
     if (name == kSecValueData) {
         request.value = given.as<Data>();
         return request.value != nullptr ? errSecSuccess : errSecParam;
@@ -121,7 +131,8 @@ OSStatus readQuery(const SecItemDictionary& dictionary, Request& request) {
     }
     if (status == errSecSuccess && request.itemClass == nullptr) status = errSecParam;
     if (status == errSecSuccess) status = readEntries(dictionary, request);
-    return status == errSecSuccess && request.value != nullptr ? errSecParam : status;
+    const bool hasValue = request.value != nullptr || request.reference != nullptr;
+    return status == errSecSuccess && hasValue ? errSecParam : status;
 }
 
 /// A query for items to be changed: all of them, and none is given back.
@@ -130,13 +141,51 @@ OSStatus readQueryForChange(const SecItemDictionary& dictionary, Request& reques
     return status == errSecSuccess && (request.limit || request.wanted.any()) ? errSecParam : status;
 }
 
-/// The attributes of an item to be added.
-OSStatus readItem(const SecItemDictionary& dictionary, Request& request) {
+ItemAttribute encoded(const ItemClass& itemClass, std::u16string_view name, const SecItemValue& value) {
+    ItemAttribute attribute;
+    static_cast<void>(encodeAttribute(*itemClass.find(fourLetterCode(name)), value, attribute));
+    return attribute;
+}
+
+void setUnlessGiven(const ItemClass& itemClass, std::u16string_view name, const SecItemValue& value,
+                    ItemAttributes& attributes) {
+    if (attributes.find(fourLetterCode(name)) == nullptr) attributes.set(encoded(itemClass, name, value));
+}
+
+/// Takes the class, the value and attributes from a handle, without replacing what is given.
+OSStatus readReference(const SecItemValue& reference, Request& request, SecItemDictionary& derived, Data& value) {
+    std::optional<ReferencedItem> item = itemOfReference(reference);
+    if (!item) return errSecParam;
+    const ItemClass* itemClass = findItemClass(fourLetterCode(item->itemClass));
+    if (request.itemClass != nullptr && request.itemClass != itemClass) return errSecParam;
+    request.itemClass = itemClass;
+    derived = std::move(item->attributes);
+    value = std::move(item->value);
+    return errSecSuccess;
+}
+
+/// An item to be added.
+///
+/// @param value  holds the value where it is a handle's
+OSStatus readItem(const SecItemDictionary& dictionary, Request& request, Data& value) {
     OSStatus status = readClass(dictionary, request);
-    if (status == errSecSuccess && request.itemClass == nullptr) status = errSecParam;
-    if (status == errSecSuccess && dictionary.find(kSecValuePersistentRef) != nullptr) status = errSecParam;
-    if (status == errSecSuccess) status = readEntries(dictionary, request);
-    return status == errSecSuccess && request.limit ? errSecParam : status;
+    if (status != errSecSuccess) return status;
+    SecItemDictionary derived;
+    if (const SecItemValue* reference = dictionary.find(kSecValueRef)) {
+        status = readReference(*reference, request, derived, value);
+        if (status != errSecSuccess) return status;
+    }
+    if (request.itemClass == nullptr || dictionary.find(kSecValuePersistentRef) != nullptr) return errSecParam;
+    status = readEntries(dictionary, request);
+    if (status != errSecSuccess) return status;
+    if (request.limit || (request.reference != nullptr && request.value != nullptr)) return errSecParam;
+    if (request.reference != nullptr) request.value = &value;
+    if (request.itemClass->name == kSecClassCertificate && request.value != nullptr) {
+        derived = attributesOfCertificate(*request.value);
+    }
+    for (const auto& [name, attribute] : derived)
+        setUnlessGiven(*request.itemClass, name, attribute, request.attributes);
+    return errSecSuccess;
 }
 
 /// What is to change in items of a class.
@@ -147,22 +196,14 @@ OSStatus readChanges(const ItemClass& itemClass, const SecItemDictionary& dictio
     }
     request.itemClass = &itemClass;
     const OSStatus status = readEntries(dictionary, request);
-    return status == errSecSuccess && (request.limit || request.wanted.any()) ? errSecParam : status;
-}
-
-ItemAttribute encoded(const ItemClass& itemClass, std::u16string_view name, const SecItemValue& value) {
-    ItemAttribute attribute;
-    static_cast<void>(encodeAttribute(*itemClass.find(fourLetterCode(name)), value, attribute));
-    return attribute;
+    const bool isMisplaced = request.limit || request.wanted.any() || request.reference != nullptr;
+    return status == errSecSuccess && isMisplaced ? errSecParam : status;
 }
 
 void complete(const ItemClass& itemClass, ItemAttributes& attributes) {
-    const auto setDefault = [&](std::u16string_view name, const SecItemValue& value) {
-        if (attributes.find(fourLetterCode(name)) == nullptr) attributes.set(encoded(itemClass, name, value));
-    };
-    setDefault(kSecAttrAccessible, itemClass.defaultAccessibility);
-    setDefault(kSecAttrAccessGroup, u"");
-    setDefault(kSecAttrSynchronizable, 0);
+    setUnlessGiven(itemClass, kSecAttrAccessible, itemClass.defaultAccessibility, attributes);
+    setUnlessGiven(itemClass, kSecAttrAccessGroup, u"", attributes);
+    setUnlessGiven(itemClass, kSecAttrSynchronizable, 0, attributes);
     const NSDate now = NSDate::date();
     attributes.set(encoded(itemClass, kSecAttrCreationDate, now));
     attributes.set(encoded(itemClass, kSecAttrModificationDate, now));
@@ -250,25 +291,41 @@ OSStatus decodeAll(std::string_view attributes, SecItemDictionary& dictionary) {
     return reader.isDamaged() ? errSecDecode : errSecSuccess;
 }
 
+/// The status of a query or an addition that asks for a handle: only keys and certificates have one.
+OSStatus checkWanted(const Wanted& wanted, const ItemClass& itemClass) {
+    const bool hasReferences = itemClass.name == kSecClassKey || itemClass.name == kSecClassCertificate;
+    return wanted.reference && !hasReferences ? errSecParam : errSecSuccess;
+}
+
 /// What is asked for of one item, in its form. Takes the value over.
 OSStatus present(const Wanted& wanted, const ItemRow& row, Data value, SecItemResult& result) {
-    if (wanted.isSingle() && wanted.data) {
-        result = std::move(value);
-        return errSecSuccess;
-    }
-    if (wanted.isSingle() && wanted.persistentReference) {
-        result = persistentReference(row.identity, row.number);
-        return errSecSuccess;
+    std::optional<SecItemValue> reference;
+    if (wanted.reference) {
+        const ItemClass* itemClass = findItemClass(classCodeOf(row.identity));
+        if (itemClass != nullptr) reference = referenceOfItem(itemClass->name, value);
+        if (!reference) return errSecDecode;
     }
     SecItemDictionary dictionary;
     if (wanted.attributes) {
         if (const OSStatus status = decodeAll(row.attributes, dictionary); status != errSecSuccess) return status;
     }
-    if (wanted.data) dictionary.set(kSecValueData, std::move(value));
-    if (wanted.persistentReference) {
-        dictionary.set(kSecValuePersistentRef, persistentReference(row.identity, row.number));
+    if (wanted.count() == 1 && wanted.data) {
+        result = std::move(value);
+    } else if (wanted.count() == 1 && wanted.reference) {
+        reference->visit([&result](const auto& handle) {
+            using Handle = std::decay_t<decltype(handle)>;
+            if constexpr (std::same_as<Handle, SecKey> || std::same_as<Handle, SecCertificate>) result = handle;
+        });
+    } else if (wanted.count() == 1 && wanted.persistentReference) {
+        result = persistentReference(row.identity, row.number);
+    } else {
+        if (wanted.data) dictionary.set(kSecValueData, std::move(value));
+        if (reference) dictionary.set(kSecValueRef, std::move(*reference));
+        if (wanted.persistentReference) {
+            dictionary.set(kSecValuePersistentRef, persistentReference(row.identity, row.number));
+        }
+        result = std::move(dictionary);
     }
-    result = std::move(dictionary);
     return errSecSuccess;
 }
 
@@ -354,38 +411,40 @@ OSStatus ItemStore::open(std::unique_ptr<ItemStorage> storage, const SecItemKeyS
 
 OSStatus ItemStore::add(const SecItemDictionary& attributes, SecItemResult* result) {
     Request item;
-    if (const OSStatus status = readItem(attributes, item); status != errSecSuccess) return status;
+    Data valueOfReference;
+    OSStatus status = readItem(attributes, item, valueOfReference);
+    if (status == errSecSuccess) status = checkWanted(item.wanted, *item.itemClass);
+    if (status != errSecSuccess) return status;
     complete(*item.itemClass, item.attributes);
     const std::string identity = identityOf(*item.itemClass, item.attributes);
     const std::string encodedAttributes = item.attributes.encoded();
-    const auto sealed = sealing_.seal(identity, encodedAttributes, bytesOf(item.value));
+    const Data none;
+    const Data& value = item.value != nullptr ? *item.value : none;
+    // A value that is no key is found out before it is stored, not behind it.
+    if (item.wanted.reference && !referenceOfItem(item.itemClass->name, value)) return errSecDecode;
+    const auto sealed = sealing_.seal(identity, encodedAttributes, value);
     if (!sealed) return errSecParam;
     std::int64_t number = 0;
-    const OSStatus status = storage_->insert(identity, encodedAttributes, *sealed, number);
+    status = storage_->insert(identity, encodedAttributes, *sealed, number);
     if (status != errSecSuccess || result == nullptr || !item.wanted.any()) return status;
-    return present(item.wanted, {number, identity, encodedAttributes, *sealed},
-                   item.value != nullptr ? *item.value : Data(), *result);
+    return present(item.wanted, {number, identity, encodedAttributes, *sealed}, value, *result);
 }
 
 OSStatus ItemStore::copyMatching(const SecItemDictionary& query, SecItemResult* result) {
     Request request;
-    if (const OSStatus status = readQuery(query, request); status != errSecSuccess) return status;
+    OSStatus status = readQuery(query, request);
+    if (status == errSecSuccess) status = checkWanted(request.wanted, *request.itemClass);
+    if (status != errSecSuccess) return status;
     const std::size_t limit = request.limit.value_or(1);
     OldestFirst oldest(limit);
-    const OSStatus status = visitMatches(*storage_, request, [&](const ItemRow& row, OSStatus compared) -> OSStatus {
+    status = visitMatches(*storage_, request, [&](const ItemRow& row, OSStatus compared) -> OSStatus {
         if (!oldest.takes(row.number)) return errSecSuccess;
         Found found{row.number, compared, {}};
         // Whatever is given back has been authenticated, attributes as well as the value.
         if (compared == errSecSuccess) {
             std::optional<Data> value = sealing_.open(row.identity, row.attributes, row.sealed);
-            if (!value) {
-                found.status = errSecDecode;
-            } else if (request.wanted.data) {
-                found.status = present(request.wanted, row, std::move(*value), found.result);
-            } else {
-                wipeBytes(*value);
-                if (request.wanted.any()) found.status = present(request.wanted, row, {}, found.result);
-            }
+            if (value && !request.wanted.value()) wipeBytes(*value);
+            found.status = value ? present(request.wanted, row, std::move(*value), found.result) : errSecDecode;
         }
         oldest.take(std::move(found));
         return errSecSuccess;

@@ -150,6 +150,8 @@ OSStatus SQLiteItemStorage::openFile(const fs::path& path) {
     constexpr int kFlags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE;
     const int result = sqlite3_open_v2(path.c_str(), &connection, kFlags, nullptr);
     connection_.reset(connection);
+    // SQLite is content with reading where it may not write; then it would refuse every change for as long as it lives.
+    if (result == SQLITE_OK && sqlite3_db_readonly(connection, "main") != 0) return errSecIO;
     return statusOf(result);
 }
 

@@ -32,8 +32,11 @@ public:
         if (isInside) return errSecNotAvailable;
         const Turn turn(mutex_);
         try {
-            const OSStatus status = open();
-            return status == errSecSuccess ? work(*store_) : status;
+            OSStatus status = open();
+            if (status == errSecSuccess) status = work(*store_);
+            // What was wrong with the file may be over next time: it is opened anew.
+            if (status == errSecIO) store_.reset();
+            return status;
         } catch (const std::bad_alloc&) {
             return errSecAllocate;
         }

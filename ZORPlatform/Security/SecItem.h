@@ -131,8 +131,8 @@ inline constexpr std::u16string_view kSecReturnAttributes = u"r_Attributes";    
 inline constexpr std::u16string_view kSecReturnRef = u"r_Ref";                      ///< boolean
 inline constexpr std::u16string_view kSecReturnPersistentRef = u"r_PersistentRef";  ///< boolean
 inline constexpr std::u16string_view kSecValueData = u"v_Data";                     ///< bytes
-inline constexpr std::u16string_view kSecValueRef = u"v_Ref";
-inline constexpr std::u16string_view kSecValuePersistentRef = u"v_PersistentRef";  ///< bytes
+inline constexpr std::u16string_view kSecValueRef = u"v_Ref";                       ///< SecKey or SecCertificate
+inline constexpr std::u16string_view kSecValuePersistentRef = u"v_PersistentRef";   ///< bytes
 /// @}
 
 /// `SecItemAdd`

@@ -18,9 +18,9 @@ SecItemValue::~SecItemValue() { wipe(as<Data>()); }
 
 SecItemResult::~SecItemResult() { wipe(as<Data>()); }
 
-SecItemDictionary::SecItemDictionary(std::initializer_list<Entry> entries) {
-    entries_.reserve(entries.size() + 4);
-    for (const Entry& entry : entries) set(entry.first, entry.second);
+SecItemDictionary::SecItemDictionary(std::initializer_list<std::pair<std::u16string_view, SecItemValue>> entries) {
+    entries_.reserve(entries.size());
+    for (const auto& [name, value] : entries) set(name, value);
 }
 
 void SecItemDictionary::set(std::u16string_view name, SecItemValue value) {

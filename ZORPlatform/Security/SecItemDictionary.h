@@ -8,6 +8,8 @@
 
 #include <ZORPlatform/Export.h>
 #include <ZORPlatform/Foundation/NSDate.h>
+#include <ZORPlatform/Security/SecCertificate.h>
+#include <ZORPlatform/Security/SecKey.h>
 
 #include <concepts>
 #include <cstdint>
@@ -20,7 +22,8 @@
 
 namespace ZORPlatform {
 
-/// The value of an attribute: text, bytes, integer, boolean or date. Bytes are wiped when the value goes.
+/// The value of an attribute: text, bytes, integer, boolean, date, or the handle of a key or certificate. Bytes are
+/// wiped when the value goes. Equal when kind and content are; handles when they are the same key or certificate.
 class ZOR_EXPORT SecItemValue {
 public:
     using Data = std::vector<std::uint8_t>;
@@ -34,6 +37,8 @@ public:
     requires(!std::same_as<Integer, bool>) SecItemValue(Integer integer)
         : content_(static_cast<std::int64_t>(integer)) {}
     SecItemValue(NSDate date) : content_(date) {}
+    SecItemValue(SecKey key) : content_(std::move(key)) {}
+    SecItemValue(SecCertificate certificate) : content_(std::move(certificate)) {}
     SecItemValue(const SecItemValue&) = default;
     SecItemValue(SecItemValue&&) noexcept = default;
     SecItemValue& operator=(SecItemValue other) noexcept {
@@ -43,7 +48,7 @@ public:
     ~SecItemValue();
 
     /// The content when it is of that kind, else a null pointer. `Kind` is one of `std::u16string`, `Data`,
-    /// `std::int64_t`, `bool`, `NSDate`.
+    /// `std::int64_t`, `bool`, `NSDate`, `SecKey`, `SecCertificate`.
     template <class Kind>
     [[nodiscard]] const Kind* as() const noexcept {
         return std::get_if<Kind>(&content_);
@@ -61,7 +66,7 @@ public:
     friend bool operator==(const SecItemValue&, const SecItemValue&) = default;
 
 private:
-    std::variant<std::u16string, Data, std::int64_t, bool, NSDate> content_;
+    std::variant<std::u16string, Data, std::int64_t, bool, NSDate, SecKey, SecCertificate> content_;
 };
 
 /// Attributes of an item, or a query: values under the names that SecItem.h lists. A value type; the order of the
@@ -72,7 +77,7 @@ public:
 
     SecItemDictionary() = default;
     /// Of two entries with one name the later stays.
-    SecItemDictionary(std::initializer_list<Entry> entries);
+    SecItemDictionary(std::initializer_list<std::pair<std::u16string_view, SecItemValue>> entries);
 
     /// Puts a value under a name, in place of the one that is there.
     void set(std::u16string_view name, SecItemValue value);
@@ -99,8 +104,8 @@ private:
     std::vector<Entry> entries_;
 };
 
-/// What a call gives back: bytes, a dictionary, or an array of either; nothing before a call has succeeded. Bytes are
-/// wiped when the result goes; what has been moved out of it is the caller's.
+/// What a call gives back: bytes, a handle, a dictionary, or an array of these; nothing before a call has succeeded.
+/// Bytes are wiped when the result goes; what has been moved out of it is the caller's.
 class ZOR_EXPORT SecItemResult {
 public:
     using Data = std::vector<std::uint8_t>;
@@ -109,6 +114,8 @@ public:
     SecItemResult() = default;
     SecItemResult(Data bytes) : content_(std::move(bytes)) {}
     SecItemResult(SecItemDictionary dictionary) : content_(std::move(dictionary)) {}
+    SecItemResult(SecKey key) : content_(std::move(key)) {}
+    SecItemResult(SecCertificate certificate) : content_(std::move(certificate)) {}
     SecItemResult(Array array) : content_(std::move(array)) {}
     SecItemResult(const SecItemResult&) = default;
     SecItemResult(SecItemResult&&) noexcept = default;
@@ -118,7 +125,8 @@ public:
     }
     ~SecItemResult();
 
-    /// The content when it is of that kind, else a null pointer. `Kind` is one of `Data`, `SecItemDictionary`, `Array`.
+    /// The content when it is of that kind, else a null pointer. `Kind` is one of `Data`, `SecItemDictionary`,
+    /// `SecKey`, `SecCertificate`, `Array`.
     template <class Kind>
     [[nodiscard]] const Kind* as() const noexcept {
         return std::get_if<Kind>(&content_);
@@ -133,7 +141,7 @@ public:
     friend bool operator==(const SecItemResult&, const SecItemResult&) = default;
 
 private:
-    std::variant<std::monostate, Data, SecItemDictionary, Array> content_;
+    std::variant<std::monostate, Data, SecItemDictionary, SecKey, SecCertificate, Array> content_;
 };
 
 }  // namespace ZORPlatform

@@ -9,6 +9,7 @@
 
 #include <gtest/gtest.h>
 
+#include <support/Certificates.h>
 #include <support/TemporaryDirectory.h>
 
 #include <array>
@@ -599,6 +600,86 @@ TEST_P(ItemStoreContract, TheTwoVariantsOfASymmetricKeyShareOnePrimaryKey) {
     EXPECT_EQ(store().remove(phone), errSecSuccess);
     EXPECT_EQ(add(watch, Data(16, 2)), errSecSuccess);
     EXPECT_EQ(statusOf(phone), errSecItemNotFound);
+}
+
+const Data& rsaKeyBytes() {
+    static const Data bytes = support::PrivateKey::rsa(1024).publicKey();
+    return bytes;
+}
+
+TEST_P(ItemStoreContract, AKeyStoredAsBytesComesBackAsAReference) {
+    const SecItemDictionary item{{u"class", u"keys"}, {u"type", kSecAttrKeyTypeRSA}, {u"atag", u"peer"}};
+    EXPECT_EQ(add(item, rsaKeyBytes()), errSecSuccess);
+    const SecItemResult result = found(item, {kSecReturnRef});
+    ASSERT_NE(result.as<SecKey>(), nullptr);
+    EXPECT_EQ(SecKeyCopyExternalRepresentation(*result.as<SecKey>()), rsaKeyBytes());
+    const SecItemResult several = found(item, {kSecReturnRef, kSecReturnData});
+    ASSERT_NE(several.as<SecItemDictionary>(), nullptr);
+    EXPECT_EQ(several.as<SecItemDictionary>()->size(), 2U);
+    EXPECT_NE(several.as<SecItemDictionary>()->find<SecKey>(kSecValueRef), nullptr);
+    EXPECT_EQ(*several.as<SecItemDictionary>()->find(kSecValueData), SecItemValue(rsaKeyBytes()));
+}
+
+TEST_P(ItemStoreContract, AKeyStoredByReferenceHasItsBytesAndSize) {
+    const SecKey key = *SecKeyCreateWithData(rsaKeyBytes());
+    EXPECT_EQ(store().add({{u"v_Ref", key}, {u"atag", u"peer"}}, nullptr), errSecSuccess);
+    const SecItemDictionary item{{u"class", u"keys"}, {u"atag", u"peer"}};
+    EXPECT_EQ(valueOf(item), rsaKeyBytes());
+    const SecItemDictionary attributes = attributesOf(item);
+    EXPECT_EQ(*attributes.find(u"type"), SecItemValue(kSecAttrKeyTypeRSA));
+    EXPECT_EQ(*attributes.find(u"kcls"), SecItemValue(kSecAttrKeyClassPublic));
+    EXPECT_EQ(*attributes.find(u"bsiz"), SecItemValue(1024));
+}
+
+TEST_P(ItemStoreContract, BytesThatAreNoKeyAreKeptButGiveNoReference) {
+    const SecItemDictionary item{{u"class", u"keys"}, {u"atag", u"peer"}};
+    EXPECT_EQ(add(item, {1, 2, 3}), errSecSuccess);
+    EXPECT_TRUE(found(item, {kSecReturnRef}).isEmpty());
+    EXPECT_EQ(status(), errSecDecode);
+    EXPECT_EQ(valueOf(item), (Data{1, 2, 3}));
+    EXPECT_EQ(store().add({{u"class", u"keys"}, {u"atag", u"x"}, {u"v_Data", Data{1}}, {u"r_Ref", true}}, nullptr),
+              errSecDecode);
+    EXPECT_EQ(statusOf({{u"class", u"keys"}, {u"atag", u"x"}}), errSecItemNotFound) << "nothing was added";
+}
+
+TEST_P(ItemStoreContract, ACertificateBringsItsAttributesAndComesBackAsAReference) {
+    const support::PrivateKey issuer = support::PrivateKey::ellipticCurve();
+    const Data first = support::certificateOf({.subject = "first"}, issuer);
+    const Data second = support::certificateOf({.subject = "second"}, issuer);
+    EXPECT_EQ(add({{u"class", u"cert"}}, first), errSecSuccess);
+    EXPECT_EQ(add({{u"class", u"cert"}, {u"labl", u"again"}}, first), errSecDuplicateItem);
+    EXPECT_EQ(store().add({{u"v_Ref", *SecCertificateCreateWithData(second)}}, nullptr), errSecSuccess);
+    EXPECT_EQ(valuesOf({{u"class", u"cert"}}), (std::vector<Data>{first, second}));
+    const SecItemDictionary attributes = attributesOf({{u"class", u"cert"}});
+    EXPECT_EQ(*attributes.find(u"ctyp"), SecItemValue(3));
+    EXPECT_EQ(attributes.find<Data>(u"pkhh")->size(), 20U);
+    for (const char16_t* name : {u"issr", u"subj", u"slnr"}) {
+        ASSERT_NE(attributes.find<Data>(name), nullptr) << utf8(name);
+        EXPECT_FALSE(attributes.find<Data>(name)->empty()) << utf8(name);
+        EXPECT_EQ(valueOf({{u"class", u"cert"}, {name, *attributes.find(name)}}), first);
+    }
+    const SecItemResult reference = found({{u"class", u"cert"}}, {kSecReturnRef});
+    ASSERT_NE(reference.as<SecCertificate>(), nullptr);
+    EXPECT_EQ(SecCertificateCopyData(*reference.as<SecCertificate>()), first);
+}
+
+TEST_P(ItemStoreContract, OnlyKeysAndCertificatesHaveReferences) {
+    for (const std::u16string_view name : {kSecClassGenericPassword, kSecClassInternetPassword, kSecClassIdentity}) {
+        EXPECT_EQ(add({{u"class", name}}, rsaKeyBytes()), errSecSuccess);
+        EXPECT_EQ(statusOf({{u"class", name}, {u"r_Ref", true}}), errSecParam);
+        EXPECT_EQ(statusOf({{u"class", name}, {u"r_Ref", false}}), errSecSuccess);
+    }
+}
+
+TEST_P(ItemStoreContract, AReferenceIsAValueAndNothingElse) {
+    const SecKey key = *SecKeyCreateWithData(rsaKeyBytes());
+    EXPECT_EQ(store().add({{u"class", u"cert"}, {u"v_Ref", key}}, nullptr), errSecParam);
+    EXPECT_EQ(store().add({{u"v_Ref", key}, {u"v_Data", Data{1}}}, nullptr), errSecParam);
+    EXPECT_EQ(store().add({{u"v_Ref", Data{1}}}, nullptr), errSecParam);
+    EXPECT_EQ(store().add({{u"class", u"keys"}, {u"klbl", key}}, nullptr), errSecParam);
+    EXPECT_EQ(statusOf({{u"class", u"keys"}, {u"v_Ref", key}}), errSecParam);
+    EXPECT_EQ(add({{u"class", u"keys"}}), errSecSuccess);
+    EXPECT_EQ(store().update({{u"class", u"keys"}}, {{u"v_Ref", key}}), errSecParam);
 }
 
 TEST_P(ItemStoreContract, ManyItemsStayApart) {
