@@ -19,6 +19,8 @@
 #include <ZORFoundation/DateExtension.h>
 #include <ZORFoundation/DateFormatterExtension.h>
 #include <ZORFoundation/DecimalNumberExtension.h>
+#include <ZORFoundation/Encryption/KeychainItemAccessibility.h>
+#include <ZORFoundation/Encryption/ZORKeychain.h>
 #include <ZORFoundation/ErrorHandling/ErrorMappers/XUNErrorMapper.h>
 #include <ZORFoundation/ErrorHandling/ErrorMappers/ZORErrorMapper.h>
 #include <ZORFoundation/ErrorHandling/ErrorMappers/ZORUrlDomainErrorMapper.h>
