@@ -7,9 +7,12 @@
 
 #include <tools/zor/Kind.h>
 
+#include <ZORPlatform/Foundation/Utf.h>
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <optional>
 #include <random>
 #include <set>
 
@@ -196,6 +199,26 @@ TEST_P(EveryKind, ExplainsExactlyWhatItRefuses) {
         EXPECT_EQ(explanation.isValid(), kind.check(text, {}));
         EXPECT_LE(explanation.position, text.size());
     }
+}
+
+TEST_P(EveryKind, IsAnsweredInALongFileAsAlone) {
+    if (!sample().canBeChecked()) return;
+    const Kind& kind = *findKind(sample().kind);
+    std::mt19937 random(47);
+    std::string input;
+    std::string expected;
+    for (int line = 0; line < 4000; ++line) {
+        std::u16string text = randomText(random);
+        if (random() % 4 == 0) text = ZORPlatform::utf16(random() % 2 == 0 ? sample().valid : sample().invalid);
+        // A line end would end the record, and an ill-formed text reaches no rule.
+        text.erase(std::remove(text.begin(), text.end(), u'\n'), text.end());
+        const std::optional<std::string> bytes = ZORPlatform::utf8IfWellFormed(text);
+        if (!bytes) continue;
+        input += *bytes + "\n";
+        expected += kind.check(text, {}) ? "1\n" : "0\n";
+    }
+    EXPECT_EQ(runZor({"check", std::string(sample().kind)}, input).out, expected);
+    EXPECT_EQ(runZor({"check", std::string(sample().kind), "--jobs=3"}, input).out, expected);
 }
 
 TEST_P(EveryKind, KeepsOneRecordALineForAnyBytes) {
