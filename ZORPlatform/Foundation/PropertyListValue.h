@@ -72,6 +72,13 @@ public:
         return std::get_if<Kind>(&content_);
     }
 
+    /// Makes the value one of the kinds above, made from `arguments`. Spares moving what is built up piece by piece.
+    /// @return the content
+    template <class Kind, class... Arguments>
+    requires(std::same_as<Kind, bool> || !std::integral<Kind>) Kind& emplace(Arguments&&... arguments) {
+        return content_.emplace<Kind>(std::forward<Arguments>(arguments)...);
+    }
+
     /// The integer, or `std::nullopt` when the value is none or is above 2^63−1.
     [[nodiscard]] std::optional<std::int64_t> integerValue() const noexcept {
         const auto* value = std::get_if<std::int64_t>(&content_);

@@ -2,6 +2,7 @@
 //
 // The XML form. The parser below is lenient and decodes nothing; what it lets through is refused here, because a
 // settings file with one odd character must still load, and a hostile one must not.
+#include <ZORPlatform/Foundation/Base64.h>
 #include <ZORPlatform/Foundation/GregorianDayInternal.h>
 #include <ZORPlatform/Foundation/PropertyListFormsInternal.h>
 #include <ZORPlatform/Foundation/Text.h>
@@ -16,12 +17,27 @@
 #include <cmath>
 #include <cstring>
 #include <limits>
+#include <memory>
 
 namespace ZORPlatform::PropertyListForms {
 namespace {
 
-// White-space-only texts are texts; line ends and references arrive as written; a text beside the root is seen.
-constexpr unsigned kParseOptions = pugi::parse_cdata | pugi::parse_ws_pcdata | pugi::parse_fragment;
+// Line ends and references arrive as written; a text beside the root is seen. A text that its element begins with is
+// the element's value and no node of its own, which halves the nodes.
+constexpr unsigned kParseOptions = pugi::parse_cdata | pugi::parse_fragment | pugi::parse_embed_pcdata;
+
+// White-space-only texts are texts. The parser makes nodes of them all, or of those only that are all their element
+// holds. The latter will do, and spares a node for every indent, unless comments and the like may part a text.
+unsigned whiteSpaceOption(std::string_view text) noexcept {
+    const auto begins = [text](char second, std::string_view expected) {
+        for (std::size_t at = text.find(second, 1); at != std::string_view::npos; at = text.find(second, at + 1)) {
+            if (text[at - 1] == '<' && !text.substr(at + 1).starts_with(expected)) return true;
+        }
+        return false;
+    };
+    const bool mayPartTexts = begins('!', "DOCTYPE") || begins('?', "xml ");
+    return mayPartTexts ? pugi::parse_ws_pcdata : pugi::parse_ws_pcdata_single;
+}
 
 constexpr bool isXmlSpace(char character) noexcept {
     return character == ' ' || character == '\t' || character == '\n' || character == '\r';
@@ -81,19 +97,15 @@ bool appendDecoded(std::string& text, std::string_view raw) {
 /// nodes. Most elements hold one piece without references, which is then not copied.
 class ElementText {
 public:
-    explicit ElementText(const pugi::xml_node& element) {
+    explicit ElementText(const pugi::xml_node& element) : view_(element.value()) {
         const pugi::xml_node first = element.first_child();
-        if (!first) return;
-        if (!first.next_sibling() && first.type() == pugi::node_pcdata) {
-            view_ = first.value();
-            if (view_.find('&') == std::string_view::npos) return;
-        }
-        for (const pugi::xml_node& child : element) {
+        if (!first && view_.find('&') == std::string_view::npos) return;
+        wellFormed_ = appendDecoded(joined_, view_);
+        for (pugi::xml_node child = first; child && wellFormed_; child = child.next_sibling()) {
             if (child.type() == pugi::node_cdata) {
                 joined_ += child.value();
-            } else if (child.type() != pugi::node_pcdata || !appendDecoded(joined_, child.value())) {
-                wellFormed_ = false;
-                return;
+            } else {
+                wellFormed_ = child.type() == pugi::node_pcdata && appendDecoded(joined_, child.value());
             }
         }
         view_ = joined_;
@@ -180,108 +192,174 @@ std::optional<PropertyListValue> date(std::string_view text) {
                                       static_cast<double>(*hour * 3600 + *minute * 60 + *second));
 }
 
-constexpr std::array<std::int8_t, 256> kBase64Values = [] {
-    std::array<std::int8_t, 256> values{};
-    values.fill(-1);
-    std::int8_t value = 0;
-    for (const char letter : std::string_view("ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/")) {
-        values[static_cast<unsigned char>(letter)] = value++;
-    }
-    return values;
-}();
-
 // Every character outside the alphabet is skipped, padding included; bits that fill no byte are dropped.
 PropertyListValue::Data data(std::string_view text) {
-    PropertyListValue::Data bytes;
-    bytes.reserve(text.size() / 4 * 3 + 3);
-    std::uint32_t bits = 0;
-    unsigned count = 0;
-    for (const char letter : text) {
-        const std::int8_t value = kBase64Values[static_cast<unsigned char>(letter)];
-        if (value < 0) continue;
-        bits = bits << 6 | static_cast<std::uint32_t>(value);
-        count += 6;
-        if (count >= 8) {
-            count -= 8;
-            bytes.push_back(static_cast<std::uint8_t>(bits >> count));
-        }
+    constexpr std::size_t kFilterRoom = 64;
+    const auto characters = std::make_unique_for_overwrite<char[]>(text.size() + kFilterRoom);
+    std::size_t count = 0;
+    while (!text.empty()) {
+        const Base64Filtered taken =
+            base64<char>().filter(text.data(), text.size(), /*stopsAtPadding=*/false, characters.get() + count);
+        count += taken.characters;
+        // It has stopped before a character outside ASCII, or at the end.
+        text.remove_prefix(std::min(text.size(), taken.units + 1));
     }
+    const std::size_t groups = count / 4;
+    PropertyListValue::Data bytes(groups * 3);
+    base64<char>().decode(characters.get(), groups, bytes.data());
+    std::uint32_t bits = 0;
+    for (std::size_t at = groups * 4; at < count; ++at) {
+        bits = bits << 6 | kBase64Values[static_cast<unsigned char>(characters[at])];
+    }
+    const std::size_t rest = count % 4;
+    if (rest == 2) bytes.push_back(static_cast<std::uint8_t>(bits >> 4));
+    if (rest == 3)
+        bytes.insert(bytes.end(), {static_cast<std::uint8_t>(bits >> 10), static_cast<std::uint8_t>(bits >> 2)});
+    wipe(characters.get(), count);
     return bytes;
 }
 
-std::optional<PropertyListValue> value(const pugi::xml_node& element, std::size_t depth);
+enum class Element { array, data, date, dictionary, false_, integer, key, real, string, true_, unknown };
 
-std::optional<PropertyListValue> container(const pugi::xml_node& element, std::size_t depth) {
-    const bool isDictionary = std::strcmp(element.name(), "dict") == 0;
-    PropertyListValue::Array elements;
-    PropertyListValue::Dictionary entries;
-    std::optional<std::u16string> key;
-    for (const pugi::xml_node& child : element) {
-        if (child.type() != pugi::node_element) {
-            if (child.type() == pugi::node_pcdata && isBlank(child.value())) continue;
-            return std::nullopt;
-        }
-        if (isDictionary && !key) {
-            if (std::strcmp(child.name(), "key") != 0) return std::nullopt;
-            const ElementText text(child);
-            if (!text.isWellFormed()) return std::nullopt;
-            key = utf16(text.view());
-            continue;
-        }
-        std::optional<PropertyListValue> content = value(child, depth + 1);
-        if (!content) return std::nullopt;
-        if (isDictionary) {
-            // Files are sorted by key, so the end is the likeliest place.
-            entries.insert_or_assign(entries.end(), std::move(*key), std::move(*content));
-            key.reset();
-        } else {
-            elements.push_back(std::move(*content));
-        }
+Element elementOf(const pugi::xml_node& node) noexcept {
+    const std::string_view name = node.name();
+    const auto ifNamed = [name](std::string_view expected, Element element) {
+        return name == expected ? element : Element::unknown;
+    };
+    switch (name.empty() ? '\0' : name[0]) {
+        case 'a':
+            return ifNamed("array", Element::array);
+        case 'd':
+            if (name == "dict") return Element::dictionary;
+            return name == "data" ? Element::data : ifNamed("date", Element::date);
+        case 'f':
+            return ifNamed("false", Element::false_);
+        case 'i':
+            return ifNamed("integer", Element::integer);
+        case 'k':
+            return ifNamed("key", Element::key);
+        case 'r':
+            return ifNamed("real", Element::real);
+        case 's':
+            return ifNamed("string", Element::string);
+        case 't':
+            return ifNamed("true", Element::true_);
+        default:
+            return Element::unknown;
     }
-    if (key) return std::nullopt;
-    if (isDictionary) return PropertyListValue(std::move(entries));
-    return PropertyListValue(std::move(elements));
 }
 
-std::optional<PropertyListValue> value(const pugi::xml_node& element, std::size_t depth) {
-    if (depth >= kMaximumDepth) return std::nullopt;
-    const std::string_view name = element.name();
-    if (name == "dict" || name == "array") return container(element, depth);
-    const ElementText text(element);
-    if (!text.isWellFormed()) return std::nullopt;
-    if (name == "string") return utf16(text.view());
-    if (name == "integer") return integer(text.view());
-    if (name == "true" || name == "false") {
-        if (!isBlank(text.view())) return std::nullopt;
-        return name == "true";
-    }
-    if (name == "real") return real(text.view());
-    if (name == "date") return date(text.view());
-    if (name == "data") return data(text.view());
-    return std::nullopt;
-}
+/// The elements among the children of one, which may hold nothing else but blanks.
+class ChildElements {
+public:
+    explicit ChildElements(const pugi::xml_node& parent)
+        : next_(parent.first_child()), isPure_(isBlank(parent.value())) {}
 
-// The one element among the children of `parent`, which may hold nothing else but blanks.
+    /// The next one; null at the end, and at anything else than an element or blanks.
+    [[nodiscard]] pugi::xml_node next() {
+        for (; next_; next_ = next_.next_sibling()) {
+            const pugi::xml_node_type type = next_.type();
+            if (type == pugi::node_element) {
+                const pugi::xml_node found = next_;
+                next_ = found.next_sibling();
+                return found;
+            }
+            isPure_ = isPure_ && type == pugi::node_pcdata && isBlank(next_.value());
+            if (!isPure_) break;
+        }
+        return {};
+    }
+
+    /// Once `next` has answered null: whether that was the end.
+    [[nodiscard]] bool isPure() const noexcept { return isPure_; }
+
+private:
+    pugi::xml_node next_;
+    bool isPure_;
+};
+
+// The one element among the children of `parent`.
 pugi::xml_node onlyElement(const pugi::xml_node& parent) {
-    pugi::xml_node found;
-    for (const pugi::xml_node& child : parent) {
-        if (child.type() == pugi::node_pcdata && isBlank(child.value())) continue;
-        if (child.type() != pugi::node_element || found) return {};
-        found = child;
+    ChildElements children(parent);
+    const pugi::xml_node found = children.next();
+    return !children.next() && children.isPure() ? found : pugi::xml_node();
+}
+
+// Values are read where they are to stay. Answers false for what is no list; `into` then has no meaning.
+bool read(const pugi::xml_node& element, std::size_t depth, PropertyListValue& into);
+
+bool readDictionary(const pugi::xml_node& element, std::size_t depth, PropertyListValue& into) {
+    auto& entries = into.emplace<PropertyListValue::Dictionary>();
+    ChildElements children(element);
+    while (const pugi::xml_node key = children.next()) {
+        if (elementOf(key) != Element::key) return false;
+        const ElementText text(key);
+        const pugi::xml_node content = children.next();
+        if (!text.isWellFormed() || !content) return false;
+        // Files are sorted by key, so the end is the likeliest place. Of equal keys the last one counts.
+        const auto entry = entries.try_emplace(entries.end(), utf16(text.view()));
+        if (!read(content, depth + 1, entry->second)) return false;
     }
-    return found;
+    return children.isPure();
+}
+
+bool readArray(const pugi::xml_node& element, std::size_t depth, PropertyListValue& into) {
+    auto& elements = into.emplace<PropertyListValue::Array>();
+    ChildElements children(element);
+    while (const pugi::xml_node content = children.next()) {
+        if (!read(content, depth + 1, elements.emplace_back())) return false;
+    }
+    return children.isPure();
+}
+
+bool readScalar(Element kind, std::string_view text, PropertyListValue& into) {
+    const auto assign = [&into](const std::optional<PropertyListValue>& value) {
+        if (value) into = *value;
+        return value.has_value();
+    };
+    switch (kind) {
+        case Element::string:
+            into.emplace<std::u16string>(utf16(text));
+            return true;
+        case Element::integer:
+            return assign(integer(text));
+        case Element::real:
+            return assign(real(text));
+        case Element::true_:
+        case Element::false_:
+            into.emplace<bool>(kind == Element::true_);
+            return isBlank(text);
+        case Element::date:
+            return assign(date(text));
+        case Element::data:
+            into.emplace<PropertyListValue::Data>(data(text));
+            return true;
+        default:
+            return false;
+    }
+}
+
+bool read(const pugi::xml_node& element, std::size_t depth, PropertyListValue& into) {
+    if (depth >= kMaximumDepth) return false;
+    const Element kind = elementOf(element);
+    if (kind == Element::dictionary) return readDictionary(element, depth, into);
+    if (kind == Element::array) return readArray(element, depth, into);
+    const ElementText text(element);
+    return text.isWellFormed() && readScalar(kind, text.view(), into);
 }
 
 }  // namespace
 
 std::optional<PropertyListValue> readXml(std::string utf8) {
     std::optional<PropertyListValue> list;
-    {
+    // The parser overlooks a "<" before the last byte. No document ends so.
+    if (utf8.size() >= 2 && utf8[utf8.size() - 2] != '<') {
+        const unsigned options = kParseOptions | whiteSpaceOption(utf8);
         pugi::xml_document document;
-        if (document.load_buffer_inplace(utf8.data(), utf8.size(), kParseOptions, pugi::encoding_utf8)) {
+        if (document.load_buffer_inplace(utf8.data(), utf8.size(), options, pugi::encoding_utf8)) {
             pugi::xml_node root = onlyElement(document);
             if (std::strcmp(root.name(), "plist") == 0) root = onlyElement(root);
-            if (root) list = value(root, 0);
+            if (root && !read(root, 0, list.emplace())) list.reset();
         }
     }
     // The text may be the plaintext of an encrypted file.

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+#include <ZORPlatform/Foundation/Base64.h>
 #include <ZORPlatform/Foundation/GregorianDayInternal.h>
 #include <ZORPlatform/Foundation/PropertyListFormsInternal.h>
 
@@ -25,8 +26,6 @@ constexpr std::size_t kIndentsThatCount = 8;
 constexpr double kSecondsInDay = 86400;
 constexpr std::int64_t kReferenceDay = 11323;  // 2001-01-01 in days since 1970-01-01.
 constexpr double kLastWritableDate = 3e16;     // Near year 10^9; beyond it a double no longer counts every second.
-
-constexpr std::string_view kBase64Alphabet = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
 
 /// Writes one document. Once something cannot be written, `failed` stays set and the bytes mean nothing.
 class Writer {
@@ -196,21 +195,15 @@ private:
         size_ += static_cast<std::size_t>(out - begin);
     }
 
+    // Whole groups by the machine's means; the last one, where it is not whole, is padded.
     void base64(std::span<const std::uint8_t> bytes) {
         char* out = room((bytes.size() + 2) / 3 * 4);
-        const auto letter = [](unsigned value) { return kBase64Alphabet[value & 0x3F]; };
-        std::size_t at = 0;
-        for (; at + 3 <= bytes.size(); at += 3) {
-            const unsigned group = unsigned{bytes[at]} << 16 | unsigned{bytes[at + 1]} << 8 | bytes[at + 2];
-            for (const unsigned shift : {18U, 12U, 6U, 0U}) *out++ = letter(group >> shift);
-        }
-        if (at < bytes.size()) {
-            const bool two = at + 1 < bytes.size();
-            const unsigned group = unsigned{bytes[at]} << 16 | (two ? unsigned{bytes[at + 1]} << 8 : 0);
-            *out++ = letter(group >> 18);
-            *out++ = letter(group >> 12);
-            *out++ = two ? letter(group >> 6) : '=';
-            *out++ = '=';
+        const std::size_t groups = bytes.size() / 3;
+        ZORPlatform::base64<char>().encode(bytes.data(), groups, out);
+        if (const auto rest = bytes.subspan(groups * 3); !rest.empty()) {
+            const std::array<std::uint8_t, 3> last{rest[0], rest.size() > 1 ? rest[1] : std::uint8_t{0}, 0};
+            ZORPlatform::base64<char>().encode(last.data(), 1, out + groups * 4);
+            std::memset(out + groups * 4 + rest.size() + 1, '=', 3 - rest.size());
         }
         size_ += (bytes.size() + 2) / 3 * 4;
     }

@@ -20,10 +20,15 @@ namespace {
 constexpr UChar32 kReplacement = 0xFFFD;
 
 // ICU counts in int32_t; longer texts are taken in pieces that end where a character may end.
-constexpr std::size_t kPieceBytes = std::size_t{1} << 29;
+constexpr std::size_t kPieceUnits = std::size_t{1} << 29;
 
 std::size_t asciiPrefix(std::string_view bytes) noexcept {
     std::size_t n = 0;
+#if defined(__SSE2__)
+    for (; n + 16 <= bytes.size(); n += 16) {
+        if (_mm_movemask_epi8(_mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes.data() + n))) != 0) break;
+    }
+#endif
     for (; n + 8 <= bytes.size(); n += 8) {
         std::uint64_t word = 0;
         std::memcpy(&word, bytes.data() + n, 8);
@@ -44,17 +49,33 @@ std::size_t asciiPrefix(std::u16string_view text) noexcept {
     return n;
 }
 
-// The longest beginning of at most kPieceBytes that does not end inside a sequence of continuation bytes.
-std::string_view firstPiece(std::string_view bytes) noexcept {
-    if (bytes.size() <= kPieceBytes) return bytes;
-    std::size_t end = kPieceBytes;
-    for (int back = 0; back < 3 && U8_IS_TRAIL(static_cast<std::uint8_t>(bytes[end])); ++back) --end;
-    return bytes.substr(0, end);
+// The bytes of one character at most, from `at` on, as ICU counts them.
+std::int32_t windowAt(std::string_view bytes, std::size_t at) noexcept {
+    return static_cast<std::int32_t>(std::min<std::size_t>(bytes.size() - at, U8_MAX_LENGTH));
 }
 
+// The longest beginning of at most kPieceUnits that does not end inside a pair.
 std::u16string_view firstPiece(std::u16string_view text) noexcept {
-    if (text.size() <= kPieceBytes) return text;
-    return text.substr(0, U16_IS_TRAIL(text[kPieceBytes]) ? kPieceBytes - 1 : kPieceBytes);
+    if (text.size() <= kPieceUnits) return text;
+    return text.substr(0, U16_IS_TRAIL(text[kPieceUnits]) ? kPieceUnits - 1 : kPieceUnits);
+}
+
+// Copies the ASCII bytes that `bytes` begins with as units.
+std::size_t widenAsciiPrefix(std::string_view bytes, char16_t* units) noexcept {
+    std::size_t n = 0;
+#if defined(__SSE2__)
+    for (; n + 16 <= bytes.size(); n += 16) {
+        const __m128i block = _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes.data() + n));
+        if (_mm_movemask_epi8(block) != 0) break;
+        auto* const out = reinterpret_cast<__m128i*>(units + n);
+        _mm_storeu_si128(out, _mm_unpacklo_epi8(block, _mm_setzero_si128()));
+        _mm_storeu_si128(out + 1, _mm_unpackhi_epi8(block, _mm_setzero_si128()));
+    }
+#endif
+    for (; n < bytes.size() && static_cast<unsigned char>(bytes[n]) < 0x80; ++n) {
+        units[n] = static_cast<unsigned char>(bytes[n]);
+    }
+    return n;
 }
 
 // Copies the ASCII units that `text` begins with, at most `room`, as bytes.
@@ -167,19 +188,27 @@ Utf8Prefix utf8Prefix(std::u16string_view text, std::span<char> buffer) noexcept
 }
 
 std::size_t utf16Unchecked(std::string_view bytes, char16_t* buffer) noexcept {
-    const std::size_t ascii = asciiPrefix(bytes);
-    std::copy_n(reinterpret_cast<const unsigned char*>(bytes.data()), ascii, buffer);
-    std::size_t written = ascii;
-    for (bytes.remove_prefix(ascii); !bytes.empty();) {
-        const std::string_view piece = firstPiece(bytes);
-        std::int32_t length = 0;
-        UErrorCode status = U_ZERO_ERROR;
-        u_strFromUTF8WithSub(buffer + written, static_cast<std::int32_t>(piece.size()), &length, piece.data(),
-                             static_cast<std::int32_t>(piece.size()), kReplacement, nullptr, &status);
-        written += static_cast<std::size_t>(length);
-        bytes.remove_prefix(piece.size());
+    const auto* data = reinterpret_cast<const std::uint8_t*>(bytes.data());
+    char16_t* out = buffer;
+    for (std::size_t at = 0; at < bytes.size();) {
+        const std::size_t ascii = widenAsciiPrefix(bytes.substr(at), out);
+        at += ascii;
+        out += ascii;
+        // Text outside ASCII comes in runs, mixed with a few spaces.
+        for (int run = 0; run < 64 && at < bytes.size(); ++run) {
+            std::int32_t length = 0;
+            UChar32 scalar = 0;
+            U8_NEXT_OR_FFFD(data + at, length, windowAt(bytes, at), scalar);
+            at += static_cast<std::size_t>(length);
+            if (scalar < 0x10000) {
+                *out++ = static_cast<char16_t>(scalar);
+            } else {
+                *out++ = static_cast<char16_t>(U16_LEAD(scalar));
+                *out++ = static_cast<char16_t>(U16_TRAIL(scalar));
+            }
+        }
     }
-    return written;
+    return static_cast<std::size_t>(out - buffer);
 }
 
 std::u16string utf16(std::string_view bytes) {
@@ -197,8 +226,7 @@ bool isWellFormedUtf8(std::string_view bytes) noexcept {
         }
         std::int32_t length = 0;
         UChar32 scalar = 0;
-        const auto window = static_cast<std::int32_t>(std::min<std::size_t>(bytes.size() - i, U8_MAX_LENGTH));
-        U8_NEXT(data + i, length, window, scalar);
+        U8_NEXT(data + i, length, windowAt(bytes, i), scalar);
         if (scalar < 0) return false;
         i += static_cast<std::size_t>(length);
     }

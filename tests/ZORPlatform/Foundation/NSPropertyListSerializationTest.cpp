@@ -250,6 +250,40 @@ TEST(PropertyListXmlReader, KeepsWhiteSpaceAndLineEndsOfTexts) {
     EXPECT_EQ(readElement("<string> \r\n\t </string>"), PropertyListValue(u" \r\n\t "));
 }
 
+// Comments and the like make the parser see white space otherwise.
+TEST(PropertyListXmlReader, KeepsWhiteSpaceOfTextsWhateverStandsElsewhere) {
+    for (const char* const elsewhere : {"", "<!-- x -->", "<?x y?>"}) {
+        const std::string before = std::string(elsewhere) + "<array>\n\t";
+        EXPECT_EQ(readElement(before + "<string> \n </string>\n<string> a </string>\n</array>"),
+                  (PropertyListValue(Array{u" \n ", u" a "})))
+            << elsewhere;
+        EXPECT_EQ(readElement(before + "\n</array>\n" + elsewhere), PropertyListValue(Array{})) << elsewhere;
+    }
+    EXPECT_EQ(readElement("<string> <!-- x --> </string>"), PropertyListValue(u"  "));
+    EXPECT_EQ(readElement("<string> <![CDATA[ ]]> <?x y?> </string>"), PropertyListValue(u"    "));
+    EXPECT_EQ(readElement("<string>a<!-- x --> </string>"), PropertyListValue(u"a "));
+    EXPECT_EQ(readElement("<dict> <!-- x --> <key> <!-- x --></key> <true> <!-- x --> </true> </dict>"),
+              (PropertyListValue(Dictionary{{u" ", true}})));
+}
+
+TEST(PropertyListXmlReader, RefusesTextBetweenElements) {
+    for (const char* const elsewhere : {"", "<!-- x -->"}) {
+        for (const char* const element :
+             {"<dict>x<key>k</key><true/></dict>", "<dict><key>k</key>x<true/></dict>",
+              "<dict><key>k</key><true/>x</dict>", "<dict>x</dict>", "<array>x<true/></array>",
+              "<array><true/>x</array>", "<array>&lt;</array>", "x<true/>", "<true/>x", "<true>x</true>",
+              "<array><![CDATA[ ]]><true/></array>", "<dict><true/><key>k</key></dict>"}) {
+            EXPECT_EQ(readElement(elsewhere + std::string(element)), std::nullopt) << elsewhere << element;
+        }
+    }
+}
+
+TEST(PropertyListXmlReader, RefusesATagThatTheLastByteCutsShort) {
+    for (const char* const text : {"<array/>\n<", "<array/>\n<>", "<array/>\n</", "<array/>\n<a", "<array/"}) {
+        EXPECT_EQ(read(text), std::nullopt) << text;
+    }
+}
+
 TEST(PropertyListXmlReader, KeepsControlCharacters) {
     EXPECT_EQ(readElement("<string>a\x01&#1;b</string>"), PropertyListValue(u"a\x01\x01"
                                                                             u"b"));
@@ -294,6 +328,20 @@ TEST(PropertyListXmlReader, SkipsWhatIsNoBase64InData) {
     EXPECT_EQ(readElement("<data>\n\tAQ ID\n!</data>"), PropertyListValue(Data{1, 2, 3}));
     EXPECT_EQ(readElement("<data>AQ==</data>"), PropertyListValue(Data{1}));
     EXPECT_EQ(readElement("<data/>"), PropertyListValue(Data{}));
+}
+
+TEST(PropertyListXmlReader, ReadsDataOfAnyLengthWithAnyDirt) {
+    for (std::size_t size = 0; size < 200; ++size) {
+        Data data(size);
+        for (std::size_t i = 0; i < size; ++i) data[i] = static_cast<std::uint8_t>(i * 7 + size);
+        const std::string written = xml(data).value();
+        EXPECT_EQ(read(written), PropertyListValue(data)) << size;
+        std::string dirty;
+        for (const char character : written.substr(kHead.size() + 6, written.size() - kHead.size() - 24)) {
+            dirty.append({character, ' '}).append(size % 2 == 0 ? "\u00E9\u20AC" : "-_.");
+        }
+        EXPECT_EQ(readElement("<data>" + dirty + "</data>"), PropertyListValue(data)) << size;
+    }
 }
 
 TEST(PropertyListXmlReader, RefusesWhatIsNoPropertyList) {

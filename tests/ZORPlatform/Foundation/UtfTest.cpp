@@ -4,9 +4,13 @@
 #include <ZORPlatform/Foundation/Text.h>
 
 #include <gtest/gtest.h>
+#include <unicode/unistr.h>
 
 #include <array>
+#include <cstdint>
+#include <random>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include <support/AllocationCount.h>
@@ -53,6 +57,38 @@ INSTANTIATE_TEST_SUITE_P(Utf, IllFormedUtf8,
                                          Pair{"\xC0\xAF", u"\uFFFD\uFFFD"}, Pair{"\xED\xA0\x80", u"\uFFFD\uFFFD\uFFFD"},
                                          Pair{"a\xE2\x82", u"a\uFFFD"}, Pair{"\xF0\x9F\x98z", u"\uFFFDz"},
                                          Pair{"\xF4\x90\x80\x80", u"\uFFFD\uFFFD\uFFFD\uFFFD"}));
+
+// ICU's converter stands beside ours. The bytes are those at which a decision falls.
+TEST(Utf, ConvertsAnyBytesAsIcuDoes) {
+    constexpr std::string_view kBytes =
+        "azAZ 09\x7F\x80\x8F\x90\x9F\xA0\xBF\xC0\xC2\xC3\xDF\xE0\xE2\xED\xEF\xF0\xF1\xF4\xF5\xFF";
+    std::mt19937 random(20180305);
+    for (int round = 0; round < 100'000; ++round) {
+        std::string bytes(random() % 40, '\0');
+        // Half of them mostly ASCII, so that blocks of it come before and behind all else.
+        const bool isMostlyAscii = round % 2 == 0;
+        for (char& byte : bytes) byte = isMostlyAscii && random() % 8 != 0 ? 'a' : kBytes[random() % kBytes.size()];
+        const icu::UnicodeString expected =
+            icu::UnicodeString::fromUTF8({bytes.data(), static_cast<std::int32_t>(bytes.size())});
+        const std::vector<char> exactly(bytes.begin(), bytes.end());
+        ASSERT_EQ(utf16({exactly.data(), exactly.size()}),
+                  std::u16string(expected.getBuffer(), static_cast<std::size_t>(expected.length())));
+    }
+}
+
+TEST(Utf, FindsWhatIsNoAsciiAtAnyPlace) {
+    for (std::size_t size = 1; size < 70; ++size) {
+        for (std::size_t at = 0; at < size; ++at) {
+            std::string bytes(size, 'x');
+            EXPECT_TRUE(isWellFormedUtf8(bytes));
+            bytes[at] = '\xFF';
+            EXPECT_FALSE(isWellFormedUtf8(bytes)) << size << ", " << at;
+            std::u16string expected(size, u'x');
+            expected[at] = u'\uFFFD';
+            EXPECT_EQ(utf16(bytes), expected) << at;
+        }
+    }
+}
 
 TEST(Utf, LoneSurrogatesBecomeReplacementsInUtf8) {
     const std::u16string lone{u'A', char16_t{0xD800}, u'B', char16_t{0xDC00}};
