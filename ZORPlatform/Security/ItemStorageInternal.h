@@ -33,7 +33,7 @@ public:
     ItemStorage(const ItemStorage&) = delete;
     ItemStorage& operator=(const ItemStorage&) = delete;
 
-    /// Visits every row whose identity begins with `prefix`, in any order.
+    /// Visits every row whose identity begins with `prefix`, in any order; for an empty one, every row.
     [[nodiscard]] virtual OSStatus visit(std::string_view prefix, const Visitor& visitor) = 0;
     /// Visits the row of that number, if there is one.
     [[nodiscard]] virtual OSStatus visitRow(std::int64_t number, const Visitor& visitor) = 0;
@@ -55,6 +55,9 @@ public:
     /// The mark by which the key is known to be this storage's; absent until it is set.
     [[nodiscard]] virtual OSStatus keyCheck(std::optional<std::string>& mark) = 0;
     [[nodiscard]] virtual OSStatus setKeyCheck(std::string_view mark) = 0;
+
+    /// Whether everything in it hangs together. Takes time in proportion to the storage.
+    [[nodiscard]] virtual OSStatus check(bool& isSound) = 0;
 
     /// Whether what was opened is still what others would open.
     [[nodiscard]] virtual bool isCurrent() noexcept { return true; }

@@ -2,6 +2,7 @@
 #include <ZORPlatform/Security/ItemStoreInternal.h>
 
 #include <ZORPlatform/Foundation/NSDate.h>
+#include <ZORPlatform/Foundation/Utf.h>
 #include <ZORPlatform/Foundation/Wiping.h>
 #include <ZORPlatform/Security/ItemAttributesInternal.h>
 #include <ZORPlatform/Security/ItemReferencesInternal.h>
@@ -528,6 +529,25 @@ OSStatus ItemStore::remove(const SecItemDictionary& query) {
         if (status == errSecSuccess) status = storage_->remove(number);
     }
     return transaction.finish(status);
+}
+
+OSStatus ItemStore::examine(SecItemStoreReport& report) {
+    const OSStatus status = storage_->visit({}, [&](const ItemRow& row) -> OSStatus {
+        ++report.items;
+        const ItemClass* itemClass = findItemClass(classCodeOf(row.identity));
+        std::optional<Data> value = sealing_.open(row.identity, row.attributes, row.sealed);
+        const bool opens = value.has_value();
+        if (opens) wipeBytes(*value);
+        const std::optional<ItemAttributes> attributes = ItemAttributes::decoded(row.attributes);
+        const bool isRight =
+            opens && itemClass != nullptr && attributes && identityOf(*itemClass, *attributes) == row.identity;
+        if (!isRight) {
+            report.damagedItems.push_back((itemClass != nullptr ? utf8(itemClass->name) : "row") + "-" +
+                                          std::to_string(row.number));
+        }
+        return errSecSuccess;
+    });
+    return status == errSecSuccess ? storage_->check(report.isSound) : status;
 }
 
 }  // namespace ZORPlatform

@@ -6,7 +6,7 @@
 #include <ZORPlatform/Security/ItemSealingInternal.h>
 #include <ZORPlatform/Security/ItemStorageInternal.h>
 #include <ZORPlatform/Security/SecItemDictionary.h>
-#include <ZORPlatform/Security/SecItemKeySource.h>
+#include <ZORPlatform/Security/SecItemStore.h>
 
 #include <filesystem>
 #include <memory>
@@ -28,6 +28,9 @@ public:
     [[nodiscard]] OSStatus copyMatching(const SecItemDictionary& query, SecItemResult* result);
     [[nodiscard]] OSStatus update(const SecItemDictionary& query, const SecItemDictionary& changes);
     [[nodiscard]] OSStatus remove(const SecItemDictionary& query);
+
+    /// Fills in what is known of the items.
+    [[nodiscard]] OSStatus examine(SecItemStoreReport& report);
 
     [[nodiscard]] ItemStorage& storage() noexcept { return *storage_; }
 

@@ -44,7 +44,7 @@ constexpr std::array kTables{
 };
 
 // Step n makes version n + 1 of version n. A step that a release has had never changes.
-constexpr std::array kMigrations{
+constexpr std::array<const char*, 1> kMigrations{
     "CREATE TABLE items(row INTEGER PRIMARY KEY AUTOINCREMENT, identity BLOB NOT NULL UNIQUE, "
     "attributes BLOB NOT NULL, value BLOB NOT NULL) STRICT;"
     "CREATE TABLE key_check(mark BLOB NOT NULL) STRICT;"
@@ -124,15 +124,15 @@ void SQLiteItemStorage::Close::operator()(sqlite3* connection) const noexcept { 
 
 void SQLiteItemStorage::Finalize::operator()(sqlite3_stmt* statement) const noexcept { sqlite3_finalize(statement); }
 
-int SQLiteItemStorage::currentSchemaVersion() noexcept { return static_cast<int>(kMigrations.size()); }
+SQLiteItemStorage::Migrations SQLiteItemStorage::migrations() noexcept { return kMigrations; }
 
-OSStatus SQLiteItemStorage::open(const fs::path& path, std::unique_ptr<SQLiteItemStorage>& storage) {
+OSStatus SQLiteItemStorage::open(const fs::path& path, std::unique_ptr<SQLiteItemStorage>& storage, Migrations steps) {
     std::unique_ptr<SQLiteItemStorage> opened(new SQLiteItemStorage);
     OSStatus status = opened->openFile(path);
     if (status == errSecSuccess) status = opened->configure();
     if (status == errSecSuccess) status = opened->checkOwner();
     if (status == errSecSuccess) status = opened->useWriteAheadLog();
-    if (status == errSecSuccess) status = opened->migrate();
+    if (status == errSecSuccess) status = opened->migrate(steps);
     if (status == errSecSuccess) status = opened->checkSchema();
     if (status == errSecSuccess) status = opened->prepare();
     if (status == errSecSuccess) storage = std::move(opened);
@@ -184,19 +184,20 @@ OSStatus SQLiteItemStorage::useWriteAheadLog() {
     }
 }
 
-OSStatus SQLiteItemStorage::migrate() {
+OSStatus SQLiteItemStorage::migrate(Migrations steps) {
+    const int current = static_cast<int>(steps.size());
     int version = 0;
     OSStatus status = readNumber("PRAGMA user_version", version);
-    if (status != errSecSuccess || version == currentSchemaVersion()) return status;
+    if (status != errSecSuccess || version == current) return status;
 
     status = execute("BEGIN IMMEDIATE");
     if (status != errSecSuccess) return status;
     // Again, for another process may have been here first.
     status = readNumber("PRAGMA user_version", version);
     // A later release wrote it.
-    if (status == errSecSuccess && (version < 0 || version > currentSchemaVersion())) status = errSecDecode;
-    for (; status == errSecSuccess && version < currentSchemaVersion(); ++version) {
-        status = execute(kMigrations[static_cast<std::size_t>(version)]);
+    if (status == errSecSuccess && (version < 0 || version > current)) status = errSecDecode;
+    for (; status == errSecSuccess && version < current; ++version) {
+        status = execute(steps[static_cast<std::size_t>(version)]);
     }
     if (status == errSecSuccess) status = execute(("PRAGMA user_version=" + std::to_string(version)).c_str());
     if (status == errSecSuccess) status = execute("COMMIT");
@@ -229,7 +230,8 @@ OSStatus SQLiteItemStorage::checkSchema() {
 }
 
 OSStatus SQLiteItemStorage::prepare() {
-    const std::array<std::pair<Statement*, const char*>, 9> statements{{
+    const std::array<std::pair<Statement*, const char*>, 10> statements{{
+        {&visitAll_, "SELECT row, identity, attributes, value FROM items"},
         {&visit_, "SELECT row, identity, attributes, value FROM items WHERE identity>=?1 AND identity<?2"},
         {&visitRow_, "SELECT row, identity, attributes, value FROM items WHERE row=?1"},
         {&insert_, "INSERT INTO items(identity, attributes, value) VALUES(?1, ?2, ?3)"},
@@ -285,6 +287,7 @@ OSStatus SQLiteItemStorage::visitRows(sqlite3_stmt* statement, const Visitor& vi
 }
 
 OSStatus SQLiteItemStorage::visit(std::string_view prefix, const Visitor& visitor) {
+    if (prefix.empty()) return visitRows(visitAll_.get(), visitor);
     const std::string end = successor(prefix);
     bindBytes(visit_.get(), 1, prefix);
     bindBytes(visit_.get(), 2, end);
@@ -370,6 +373,15 @@ OSStatus SQLiteItemStorage::setKeyCheck(std::string_view mark) {
     if (result != SQLITE_OK) return statusOf(result);
     bindBytes(statement.get(), 1, mark);
     result = sqlite3_step(statement.get());
+    return statusOf(result);
+}
+
+OSStatus SQLiteItemStorage::check(bool& isSound) {
+    sqlite3_stmt* prepared = nullptr;
+    int result = sqlite3_prepare_v2(connection_.get(), "PRAGMA integrity_check(1)", -1, &prepared, nullptr);
+    const Statement statement(prepared);
+    if (result == SQLITE_OK) result = sqlite3_step(statement.get());
+    isSound = result == SQLITE_ROW && column(statement.get(), 0) == "ok";
     return statusOf(result);
 }
 

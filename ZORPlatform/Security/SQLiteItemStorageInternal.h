@@ -20,13 +20,15 @@ namespace ZORPlatform {
 /// be taken across a fork.
 class SQLiteItemStorage : public ItemStorage {
 public:
-    /// Opens the file, making it (mode 0600) and its directory (0700) where they are missing, and brings an older
-    /// schema up to date.
-    [[nodiscard]] static OSStatus open(const std::filesystem::path& path, std::unique_ptr<SQLiteItemStorage>& storage);
-    ~SQLiteItemStorage() override;
+    /// What makes each version of the schema of the one before, beginning with an empty file.
+    using Migrations = std::span<const char* const>;
+    [[nodiscard]] static Migrations migrations() noexcept;
 
-    /// The version that `open` leaves a file with.
-    [[nodiscard]] static int currentSchemaVersion() noexcept;
+    /// Opens the file, making it (mode 0600) and its directory (0700) where they are missing, and brings an older
+    /// schema up to date: wholly, or not at all.
+    [[nodiscard]] static OSStatus open(const std::filesystem::path& path, std::unique_ptr<SQLiteItemStorage>& storage,
+                                       Migrations steps = migrations());
+    ~SQLiteItemStorage() override;
 
     [[nodiscard]] OSStatus visit(std::string_view prefix, const Visitor& visitor) override;
     [[nodiscard]] OSStatus visitRow(std::int64_t number, const Visitor& visitor) override;
@@ -40,6 +42,7 @@ public:
     void rollback() noexcept override;
     [[nodiscard]] OSStatus keyCheck(std::optional<std::string>& mark) override;
     [[nodiscard]] OSStatus setKeyCheck(std::string_view mark) override;
+    [[nodiscard]] OSStatus check(bool& isSound) override;
     [[nodiscard]] bool isCurrent() noexcept override;
 
 private:
@@ -59,7 +62,7 @@ private:
     [[nodiscard]] OSStatus configure();
     [[nodiscard]] OSStatus checkOwner();
     [[nodiscard]] OSStatus useWriteAheadLog();
-    [[nodiscard]] OSStatus migrate();
+    [[nodiscard]] OSStatus migrate(Migrations steps);
     [[nodiscard]] OSStatus checkSchema();
     [[nodiscard]] OSStatus prepare();
     [[nodiscard]] OSStatus execute(const char* sql);
@@ -69,6 +72,7 @@ private:
 
     // The statements end before the connection does.
     std::unique_ptr<sqlite3, Close> connection_;
+    Statement visitAll_;
     Statement visit_;
     Statement visitRow_;
     Statement insert_;

@@ -2,6 +2,7 @@
 #include <ZORPlatform/Security/SecItem.h>
 
 #include <ZORPlatform/Foundation/HostEnvironment.h>
+#include <ZORPlatform/Foundation/NSFileManager.h>
 #include <ZORPlatform/Security/ItemStoreInternal.h>
 #include <ZORPlatform/Security/SQLiteItemStorageInternal.h>
 #include <ZORPlatform/Security/SecItemStore.h>
@@ -40,6 +41,22 @@ public:
         } catch (const std::bad_alloc&) {
             return errSecAllocate;
         }
+    }
+
+    SecItemStoreReport examine() {
+        SecItemStoreReport report;
+        report.path = HostEnvironment::itemStorePath();
+        {
+            const Turn turn(mutex_);
+            report.keySource = source_->name(report.path);
+            report.keyFile = source_->file(report.path);
+        }
+        report.exists = NSFileManager::fileExistsAtPath(report.path);
+        if (!report.exists) return report;
+        report.status = use([&report](ItemStore& store) { return store.examine(report); });
+        if (report.status == errSecSuccess)
+            report.schemaVersion = static_cast<int>(SQLiteItemStorage::migrations().size());
+        return report;
     }
 
     void setKeySource(std::shared_ptr<const SecItemKeySource> source) {
@@ -121,6 +138,8 @@ OSStatus SecItemDelete(const SecItemDictionary& query) {
 void SecItemStore::setKeySource(std::shared_ptr<const SecItemKeySource> source) {
     OpenStore::instance().setKeySource(std::move(source));
 }
+
+SecItemStoreReport SecItemStore::examine() { return OpenStore::instance().examine(); }
 
 void SecItemStore::close() { OpenStore::instance().close(); }
 

@@ -51,22 +51,24 @@ OSStatus makeKeyFile(const fs::path& path) {
 
 SecItemKeySource::~SecItemKeySource() = default;
 
+std::optional<fs::path> SecItemKeySource::file(const fs::path&) const { return std::nullopt; }
+
 SecItemKeyFile::SecItemKeyFile(std::optional<fs::path> path) : path_(std::move(path)) {}
 SecItemKeyFile::~SecItemKeyFile() = default;
 
-fs::path SecItemKeyFile::path(const fs::path& store) const {
+std::optional<fs::path> SecItemKeyFile::file(const fs::path& store) const {
     return path_ ? *path_ : fs::path(store).replace_extension(".key");
 }
 
-std::string SecItemKeyFile::name(const fs::path& store) const { return "key file " + path(store).string(); }
+std::string SecItemKeyFile::name(const fs::path& store) const { return "key file " + file(store)->string(); }
 
 OSStatus SecItemKeyFile::copyKey(const fs::path& store, bool isNew, Key key) const {
-    const fs::path file = path(store);
-    if (file.empty() || file.native().find('\0') != std::string::npos) return errSecNotAvailable;
-    if (isNew && !NSFileManager::fileExistsAtPath(file)) {
-        if (const OSStatus status = makeKeyFile(file); status != errSecSuccess) return status;
+    const fs::path path = *file(store);
+    if (path.empty() || path.native().find('\0') != std::string::npos) return errSecNotAvailable;
+    if (isNew && !NSFileManager::fileExistsAtPath(path)) {
+        if (const OSStatus status = makeKeyFile(path); status != errSecSuccess) return status;
     }
-    return readKeyFile(file, /*isTrusted=*/false, key);
+    return readKeyFile(path, /*isTrusted=*/false, key);
 }
 
 SecItemSuppliedKey::SecItemSuppliedKey(std::span<const std::uint8_t, kKeyBytes> key) : key_{} {

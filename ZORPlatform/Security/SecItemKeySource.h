@@ -34,6 +34,9 @@ public:
     /// What people call the source of this store's key, as "key file …"; never anything of the key.
     [[nodiscard]] virtual std::string name(const std::filesystem::path& store) const = 0;
 
+    /// The file that holds this store's key, where the source is one that others could read.
+    [[nodiscard]] virtual std::optional<std::filesystem::path> file(const std::filesystem::path& store) const;
+
     /// Writes the key of the store at `store` into `key`, which the caller wipes.
     ///
     /// @param isNew  nothing has been sealed in the store yet; a source that makes keys makes one only then
@@ -51,8 +54,8 @@ public:
     explicit SecItemKeyFile(std::optional<std::filesystem::path> path = std::nullopt);
     ~SecItemKeyFile() override;
 
-    [[nodiscard]] std::filesystem::path path(const std::filesystem::path& store) const;
     [[nodiscard]] std::string name(const std::filesystem::path& store) const override;
+    [[nodiscard]] std::optional<std::filesystem::path> file(const std::filesystem::path& store) const override;
     [[nodiscard]] OSStatus copyKey(const std::filesystem::path& store, bool isNew, Key key) const override;
 
 private:

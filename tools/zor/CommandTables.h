@@ -21,6 +21,9 @@ extern const Command kBase64Command;
 extern const Command kEncryptCommand;
 extern const Command kDecryptCommand;
 
+// Secrets in the item store.
+extern const Command kKeychainCommand;
+
 // Files: settings, watching, and what backups leave out.
 extern const Command kSettingsCommand;
 extern const Command kWatchCommand;

@@ -9,7 +9,7 @@ namespace {
 constexpr std::array kCommands{
     &kCheckCommand,    &kFormatCommand, &kExplainCommand,         &kErrorCodeCommand,
     &kHashCommand,     &kBase64Command, &kEncryptCommand,         &kDecryptCommand,
-    &kSettingsCommand, &kWatchCommand,  &kBackupExclusionCommand,
+    &kSettingsCommand, &kWatchCommand,  &kBackupExclusionCommand, &kKeychainCommand,
 };
 
 }  // namespace

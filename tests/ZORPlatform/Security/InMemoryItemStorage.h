@@ -62,6 +62,10 @@ public:
         mark = content_.mark;
         return ZORPlatform::errSecSuccess;
     }
+    OSStatus check(bool& isSound) override {
+        isSound = true;
+        return ZORPlatform::errSecSuccess;
+    }
     OSStatus setKeyCheck(std::string_view mark) override {
         content_.mark = std::string(mark);
         return ZORPlatform::errSecSuccess;

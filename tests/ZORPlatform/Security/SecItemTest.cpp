@@ -4,6 +4,7 @@
 #include <ZORPlatform/Security/SecItem.h>
 
 #include <ZORPlatform/Foundation/HostEnvironment.h>
+#include <ZORPlatform/Security/SQLiteItemStorageInternal.h>
 #include <ZORPlatform/Security/SecItemStore.h>
 
 #include <gtest/gtest.h>
@@ -409,6 +410,87 @@ TEST_F(SecItem, AFileOfALaterReleaseIsReportedAndLeftAlone) {
     expectOfEveryCall(errSecDecode);
     execute("PRAGMA user_version=1");
     EXPECT_EQ(valueOf(kPin), Data{1});
+}
+
+TEST_F(SecItem, AnOlderSchemaIsBroughtUpToDateOnce) {
+    EXPECT_EQ(add(kPin, {1}), errSecSuccess);
+    SecItemStore::close();
+    const std::array<const char*, 3> migrations{SQLiteItemStorage::migrations()[0], "UPDATE items SET value=x'02'",
+                                                "UPDATE items SET value=x'0203' WHERE value=x'02'"};
+    for (int round = 0; round < 2; ++round) {
+        std::unique_ptr<SQLiteItemStorage> storage;
+        ASSERT_EQ(SQLiteItemStorage::open(store(), storage, migrations), errSecSuccess);
+        std::string value;
+        EXPECT_EQ(storage->visit("genp",
+                                 [&value](const ItemRow& row) {
+                                     value = row.sealed;
+                                     return errSecSuccess;
+                                 }),
+                  errSecSuccess);
+        EXPECT_EQ(value, "\x02\x03");
+    }
+    expectOfEveryCall(errSecDecode);  // It is of a later release.
+    execute("PRAGMA user_version=1");
+    EXPECT_EQ(SecItemCopyMatching(kPin), errSecDecode) << "the value is what the steps made of it";
+}
+
+TEST_F(SecItem, AMigrationThatFailsChangesNothing) {
+    EXPECT_EQ(add(kPin, {1}), errSecSuccess);
+    SecItemStore::close();
+    const std::array<const char*, 3> migrations{SQLiteItemStorage::migrations()[0], "DELETE FROM items",
+                                                "UPDATE nowhere SET x=1"};
+    std::unique_ptr<SQLiteItemStorage> storage;
+    EXPECT_EQ(SQLiteItemStorage::open(store(), storage, migrations), errSecDecode);
+    EXPECT_EQ(storage, nullptr);
+    EXPECT_EQ(valueOf(kPin), Data{1});
+}
+
+TEST_F(SecItem, ExaminingMakesNoStore) {
+    const SecItemStoreReport report = SecItemStore::examine();
+    EXPECT_FALSE(report.exists);
+    EXPECT_EQ(report.path, store());
+    EXPECT_EQ(report.keySource, "key file " + keyFile().string());
+    EXPECT_EQ(report.keyFile, keyFile());
+    EXPECT_FALSE(fs::exists(store().parent_path()));
+}
+
+TEST_F(SecItem, ExaminingASoundStoreFindsNothing) {
+    for (const char16_t* account : {u"a", u"b", u"c"}) EXPECT_EQ(add(password(account), {1}), errSecSuccess);
+    EXPECT_EQ(SecItemAdd({{u"class", u"keys"}}), errSecSuccess);
+    const SecItemStoreReport report = SecItemStore::examine();
+    EXPECT_TRUE(report.exists);
+    EXPECT_EQ(report.status, errSecSuccess);
+    EXPECT_EQ(report.schemaVersion, 1);
+    EXPECT_EQ(report.items, 4);
+    EXPECT_TRUE(report.isSound);
+    EXPECT_EQ(report.damagedItems, std::vector<std::string>{});
+}
+
+TEST_F(SecItem, ExaminingNamesWhatIsDamaged) {
+    for (const char16_t* account : {u"a", u"b", u"c", u"d", u"e"})
+        EXPECT_EQ(add(password(account), {1}), errSecSuccess);
+    execute(
+        "UPDATE items SET value=zeroblob(40) WHERE row=1;"
+        "UPDATE items SET attributes=x'' WHERE row=2;"
+        "UPDATE items SET identity=x'6B657973' WHERE row=3;"
+        "UPDATE items SET identity=x'FF' WHERE row=4;");
+    const SecItemStoreReport report = SecItemStore::examine();
+    EXPECT_EQ(report.status, errSecSuccess);
+    EXPECT_EQ(report.items, 5);
+    std::vector<std::string> damaged = report.damagedItems;
+    std::sort(damaged.begin(), damaged.end());
+    EXPECT_EQ(damaged, (std::vector<std::string>{"genp-1", "genp-2", "keys-3", "row-4"}));
+    EXPECT_EQ(valueOf(password(u"e")), Data{1});
+}
+
+TEST_F(SecItem, ExaminingSaysWhyAStoreCannotBeOpened) {
+    EXPECT_EQ(add(kPin, {1}), errSecSuccess);
+    SecItemStore::setKeySource(std::make_shared<SecItemSuppliedKey>(Key{1}));
+    const SecItemStoreReport report = SecItemStore::examine();
+    EXPECT_EQ(report.status, errSecAuthFailed);
+    EXPECT_EQ(report.keySource, "key supplied by the application");
+    EXPECT_EQ(report.keyFile, std::nullopt);
+    EXPECT_EQ(report.items, 0);
 }
 
 TEST_F(SecItem, TriggersViewsAndForeignTablesAreNotLetIn) {

@@ -47,7 +47,7 @@ _zor() {
     access-number amount email mobile-phone street house-number box-number postal-code belgian-postal-code name
     business-name text pin backend-text message"
   local displays="phone challenge login-code pattern"
-  local commands="check format explain error-code hash base64 encrypt decrypt settings
+  local commands="check format explain error-code hash base64 encrypt decrypt settings keychain
     watch exclude-from-backup"
   local filter_options="--format= --in= --out= --field= --key= --emit= --labels= --null= --sep= --flush=
     --chunk-header --max-record= --keep-cr --jobs= --stats= --fail-on-invalid --no-env --help"
@@ -67,9 +67,16 @@ _zor() {
     --sep) _zor_words "tab comma semicolon" "$current"; return ;;
     --flush) _zor_words "drain line block" "$current"; return ;;
     --codec) _zor_words "zoraescrypt zorbase64" "$current"; return ;;
+    --accessible)
+      _zor_words "whenUnlocked whenUnlockedThisDeviceOnly afterFirstUnlock afterFirstUnlockThisDeviceOnly always
+        alwaysThisDeviceOnly whenPasscodeSetThisDeviceOnly" "$current"
+      return
+      ;;
+    --store) mapfile -t COMPREPLY < <(compgen -f -- "$current"); return ;;
+    --key-source) _zor_words "file: keyring: credential:" "$current"; return ;;
     --cipher) _zor_words "aes256 aes128" "$current"; return ;;
     --key-overflow) _zor_words "zero" "$current"; return ;;
-    --type) _zor_words "string integer real boolean date data xml" "$current"; return ;;
+    --type) _zor_words "string integer real double boolean date data xml" "$current"; return ;;
     --key-file | --new-key-file) _zor_files "$current"; return ;;
     --stats) _zor_words "stderr hadoop" "$current"; return ;;
   esac
@@ -110,6 +117,12 @@ _zor() {
           convert) _zor_file_or "--key-file= --key-file-exact --legacy --new-key-file= --plain" ;;
           *) _zor_file_or "--key-file= --key-file-exact --legacy --json" ;;
         esac
+      fi
+      ;;
+    keychain)
+      if [[ $COMP_CWORD -eq 2 ]]; then _zor_words "get set remove list doctor --help" "$current"; else
+        _zor_words "--store= --key-source= --service= --access-group= --accessible= --type= --reference=" "$current"
+        [[ ${COMPREPLY[0]-} == *= ]] && compopt -o nospace
       fi
       ;;
     watch) _zor_file_or "--count= --help" ;;

@@ -5,7 +5,7 @@ set -l kinds iban bban account card comment bcmc national-number registration-nu
     access-number amount email mobile-phone street house-number box-number postal-code belgian-postal-code name \
     business-name text pin backend-text message
 set -l displays phone challenge login-code pattern
-set -l commands check format explain error-code hash base64 encrypt decrypt settings watch exclude-from-backup
+set -l commands check format explain error-code hash base64 encrypt decrypt settings keychain watch exclude-from-backup
 set -l formats "plain tsv tsv-raw csv jsonl"
 set -l no_command "not __fish_seen_subcommand_from $commands"
 set -l kind_command "__fish_seen_subcommand_from check format explain"
@@ -20,6 +20,7 @@ complete -c zor -n $no_command -a base64 -d "data as Base64 text and back"
 complete -c zor -n $no_command -a encrypt -d "data under a key text"
 complete -c zor -n $no_command -a decrypt -d "what encrypt wrote"
 complete -c zor -n $no_command -a settings -d "a settings file"
+complete -c zor -n $no_command -a keychain -d "secrets in the item store"
 complete -c zor -n $no_command -a watch -d "a line for each change"
 complete -c zor -n $no_command -a exclude-from-backup -d "marks files that match"
 complete -c zor -n $no_command -l version -d "the version"
@@ -85,3 +86,16 @@ complete -c zor -n $settings_command -l plain -d "convert to a plain file"
 complete -c zor -n "__fish_seen_subcommand_from watch" -l count -x -d "lines until it ends"
 complete -c zor -n $backup_command -l list -d "the marked paths"
 complete -c zor -n $backup_command -l zero -d "paths end with a NUL byte"
+
+set -l keychain_command "__fish_seen_subcommand_from keychain"
+complete -c zor -n "$keychain_command; and not __fish_seen_subcommand_from get set remove list doctor" \
+  -a "get set remove list doctor"
+complete -c zor -n $keychain_command -l store -r -F -d "the item store"
+complete -c zor -n $keychain_command -l key-source -x -a "file: keyring: credential:" -d "where its key is"
+complete -c zor -n $keychain_command -l service -x -d "whose keys"
+complete -c zor -n $keychain_command -l access-group -x -d "only items of this group"
+complete -c zor -n $keychain_command -l accessible -x -d "only items stored with it" \
+  -a "whenUnlocked whenUnlockedThisDeviceOnly afterFirstUnlock afterFirstUnlockThisDeviceOnly always
+    alwaysThisDeviceOnly whenPasscodeSetThisDeviceOnly"
+complete -c zor -n $keychain_command -l type -x -a "string data integer double boolean" -d "of the value"
+complete -c zor -n $keychain_command -l reference -x -d "the item that doctor calls so"
