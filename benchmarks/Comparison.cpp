@@ -170,7 +170,7 @@ Comparison& Comparison::inChildProcesses() {
     return *this;
 }
 
-Comparison& Comparison::onOtherThreads() {
+Comparison& Comparison::inElapsedTime() {
     clock_ = Clock::elapsed;
     return *this;
 }

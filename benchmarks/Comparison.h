@@ -60,8 +60,8 @@ public:
     Comparison& itemsPerCall(std::size_t items);
     /// The work is done by child processes that it waits for: their CPU time counts, not this thread's.
     Comparison& inChildProcesses();
-    /// The work is done by threads that it waits for: elapsed time counts, so the machine is to be at rest.
-    Comparison& onOtherThreads();
+    /// The work waits, for other threads or for a disk: elapsed time counts, so the machine is to be at rest.
+    Comparison& inElapsedTime();
     Comparison& candidate(Work work);
     Comparison& floor(std::string name, Work work);
     Comparison& peer(std::string name, Work work);

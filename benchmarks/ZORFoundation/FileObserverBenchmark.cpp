@@ -171,7 +171,7 @@ const Comparison kIdle = Comparison("1,000 observers at rest, processor time in 
 
 const Comparison kMaking =
     Comparison("making and stopping an observer, each")
-        .onOtherThreads()
+        .inElapsedTime()
         .itemsPerCall(kManyObservers)
         .candidate([] {
             const File file(ownPath(""));

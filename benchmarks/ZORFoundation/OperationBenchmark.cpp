@@ -40,7 +40,7 @@ constexpr std::size_t kBlocks = 100'000;
 
 const Comparison kTinyBlocks =
     Comparison("operation queue of width 2, a tiny block operation")
-        .onOtherThreads()
+        .inElapsedTime()
         .itemsPerCall(kBlocks)
         .candidate([] {
             static const NSOperationQueue queue = queueOfWidth(kWidth);
@@ -69,7 +69,7 @@ constexpr std::size_t kSequence = 10'000;
 
 const Comparison kSequential =
     Comparison("addOperations of 10,000 in sequence, each")
-        .onOtherThreads()
+        .inElapsedTime()
         .itemsPerCall(kSequence)
         .candidate([] {
             static const NSOperationQueue queue;
@@ -112,7 +112,7 @@ class Completing : public ZORAsyncOperation<int> {
 constexpr std::size_t kThreads = 500;
 
 const Comparison kAsync = Comparison("ZORAsyncOperation, added to a queue and completed")
-                              .onOtherThreads()
+                              .inElapsedTime()
                               .itemsPerCall(kThreads)
                               .candidate([] {
                                   static const NSOperationQueue queue = queueOfWidth(kWidth);

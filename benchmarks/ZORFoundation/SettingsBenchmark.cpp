@@ -120,7 +120,7 @@ void saveByHand(const Place& place, const PropertyListValue& list) {
 void add(const std::string& where, const char* base) {
     const auto place = std::make_shared<const Place>(base);
     Comparison("loading encrypted settings of 1 KB, " + where)
-        .onOtherThreads()
+        .inElapsedTime()
         .candidate([place] {
             Place::Settings controller(place->directory());
             controller.initWithEncryption(true, kKey);
@@ -137,7 +137,7 @@ void add(const std::string& where, const char* base) {
     const auto controller = std::make_shared<Place::Settings>(place->directory());
     const auto list = std::make_shared<const PropertyListValue>(settings());
     Comparison("saving encrypted settings of 1 KB, " + where)
-        .onOtherThreads()
+        .inElapsedTime()
         .candidate([place, controller] { Place::save(*controller); })
         .floor("serialise, encrypt, two fsyncs, rename", [place, list] { saveByHand(*place, *list); })
         .atMost(1.2, "serialise, encrypt, two fsyncs, rename")

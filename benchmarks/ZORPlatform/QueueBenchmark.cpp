@@ -65,7 +65,7 @@ const DispatchQueue& serialQueue() {
 }
 
 const Comparison kBulk = Comparison("serial queue, a task from another thread in bulk")
-                             .onOtherThreads()
+                             .inElapsedTime()
                              .itemsPerCall(kTasks)
                              .candidate([] { inBulk(serialQueue()); })
                              .floor("a thread with batches of its own",
@@ -94,7 +94,7 @@ const Comparison kIdle = Comparison("serial queue, from idle to running, p50")
 constexpr std::size_t kQueues = 10'000;
 
 const Comparison kManyQueues = Comparison("10,000 serial queues, made, used once and dropped, each")
-                                   .onOtherThreads()
+                                   .inElapsedTime()
                                    .itemsPerCall(kQueues)
                                    .candidate([] {
                                        std::counting_semaphore<> done(0);
