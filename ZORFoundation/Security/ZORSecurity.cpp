@@ -2,20 +2,22 @@
 #include <ZORFoundation/Security/ZORSecurity.h>
 
 #include <ZORFoundation/Security/CommonCryptoErrorDomain.h>
+#include <ZORFoundation/Security/PublicKeyInfoInternal.h>
 #include <ZORFoundation/ZORAESCrypt.h>
 
 #include <ZORPlatform/CommonCrypto/CommonCryptor.h>
 #include <ZORPlatform/Foundation/Arc4Random.h>
+#include <ZORPlatform/Foundation/HostEnvironment.h>
 #include <ZORPlatform/Foundation/NSFileManager.h>
 #include <ZORPlatform/Foundation/NSString.h>
 #include <ZORPlatform/Foundation/Precondition.h>
 #include <ZORPlatform/Foundation/Utf.h>
 #include <ZORPlatform/Foundation/Wiping.h>
+#include <ZORPlatform/Security/SecItem.h>
 #include <ZORPlatform/Security/SecTrust.h>
 
 #include <algorithm>
 #include <array>
-#include <string_view>
 
 namespace ZORFoundation {
 namespace {
@@ -28,7 +30,13 @@ using ZORPlatform::errSecSuccess;
 using ZORPlatform::kCCBlockSizeAES128;
 using ZORPlatform::kCCDecrypt;
 using ZORPlatform::kCCEncrypt;
+using ZORPlatform::kSecAttrAccessible;
+using ZORPlatform::kSecAttrApplicationTag;
+using ZORPlatform::kSecAttrKeyType;
+using ZORPlatform::kSecClass;
+using ZORPlatform::kSecClassKey;
 using ZORPlatform::OSStatus;
+using ZORPlatform::SecItemResult;
 using Bytes = std::vector<std::uint8_t>;
 using View = std::span<const std::uint8_t>;
 using Vector = std::span<const std::uint8_t, kCCBlockSizeAES128>;
@@ -83,6 +91,66 @@ Vector vectorOf(View bytes) {
     return bytes.first<kCCBlockSizeAES128>();
 }
 
+SecItemDictionary fpKeyItem(std::u16string_view accessibility) {
+    return {{kSecClass, kSecClassKey},
+            {ZORPlatform::kSecAttrKeyClass, ZORPlatform::kSecAttrKeyClassSymmetric},
+            {ZORPlatform::kSecAttrKeySizeInBits, 128},
+            {ZORPlatform::kSecAttrApplicationLabel, u"fpKey"},
+            {kSecAttrAccessible, accessibility}};
+}
+
+SecItemDictionary queryOf(SecItemDictionary item) {
+    item.set(ZORPlatform::kSecMatchLimit, ZORPlatform::kSecMatchLimitOne);
+    item.set(ZORPlatform::kSecReturnAttributes, true);
+    item.set(ZORPlatform::kSecReturnData, true);
+    return item;
+}
+
+std::optional<Bytes> valueFoundBy(const SecItemDictionary& query) {
+    SecItemResult result;
+    if (ZORPlatform::SecItemCopyMatching(query, &result) != errSecSuccess) return std::nullopt;
+    const auto* attributes = result.as<SecItemDictionary>();
+    const Bytes* value = attributes != nullptr ? attributes->find<Bytes>(ZORPlatform::kSecValueData) : nullptr;
+    return value != nullptr ? std::optional(*value) : std::nullopt;
+}
+
+// Deliberate: as many bytes as the name has units, so of a name outside ASCII the end is missing.
+Bytes tagOf(std::u16string_view peerName) {
+    const std::string bytes = ZORPlatform::utf8(peerName);
+    return {bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(peerName.size())};
+}
+
+/// The public key item of a peer.
+SecItemDictionary peerKeyItem(std::u16string_view peerName) {
+    return {{kSecClass, kSecClassKey},
+            {kSecAttrKeyType, ZORPlatform::kSecAttrKeyTypeRSA},
+            {kSecAttrApplicationTag, tagOf(peerName)}};
+}
+
+// The item that is there already counts as the one added.
+bool isThere(OSStatus status, const SecItemResult& result) {
+    return !result.isEmpty() && (status == errSecSuccess || status == ZORPlatform::errSecDuplicateItem);
+}
+
+bool addInPlaceOfOthers(const SecItemDictionary& item, View key) {
+    static_cast<void>(ZORPlatform::SecItemDelete(item));
+    SecItemDictionary added = item;
+    added.set(ZORPlatform::kSecValueData, Bytes(key.begin(), key.end()));
+    added.set(ZORPlatform::kSecReturnPersistentRef, true);
+    added.set(kSecAttrAccessible, ZORPlatform::kSecAttrAccessibleWhenUnlockedThisDeviceOnly);
+    SecItemResult persistentReference;
+    const OSStatus status = ZORPlatform::SecItemAdd(added, &persistentReference);
+    return isThere(status, persistentReference);
+}
+
+std::optional<SecKey> keyFoundBy(SecItemDictionary item) {
+    item.set(ZORPlatform::kSecReturnRef, true);
+    SecItemResult reference;
+    const OSStatus status = ZORPlatform::SecItemCopyMatching(item, &reference);
+    const auto* key = reference.as<SecKey>();
+    return key != nullptr && isThere(status, reference) ? std::optional(*key) : std::nullopt;
+}
+
 /// The bytes that a file of Base64 text stands for.
 std::optional<Bytes> bytesOfBase64File(const std::filesystem::path& path) {
     const std::optional<Bytes> content = ZORPlatform::NSFileManager::contentsAtPath(path);
@@ -94,6 +162,28 @@ std::optional<Bytes> bytesOfBase64File(const std::filesystem::path& path) {
 }
 
 }  // namespace
+
+SecItemDictionary ZORSecurity::fpKeychainItem() {
+    return fpKeyItem(ZORPlatform::kSecAttrAccessibleWhenUnlockedThisDeviceOnly);
+}
+
+SecItemDictionary ZORSecurity::fpKeychainItemWatch() {
+    return fpKeyItem(ZORPlatform::kSecAttrAccessibleAfterFirstUnlockThisDeviceOnly);
+}
+
+SecItemDictionary ZORSecurity::fpKeychainQuery() { return queryOf(fpKeychainItem()); }
+
+SecItemDictionary ZORSecurity::fpKeychainQueryWatch() { return queryOf(fpKeychainItemWatch()); }
+
+std::optional<Bytes> ZORSecurity::fpKey_regular() { return valueFoundBy(fpKeychainQuery()); }
+
+std::optional<Bytes> ZORSecurity::fpKey_watch() { return valueFoundBy(fpKeychainQueryWatch()); }
+
+void ZORSecurity::removeFpKeyFromKeyChain() { static_cast<void>(ZORPlatform::SecItemDelete(fpKeychainItem())); }
+
+void ZORSecurity::removeFpKeyFromKeyChainWatch() {
+    static_cast<void>(ZORPlatform::SecItemDelete(fpKeychainItemWatch()));
+}
 
 Bytes ZORSecurity::generateRandomKeyWithByteCount(std::int32_t count) {
     if (count < 0) ZORPlatform::preconditionFailure("generateRandomKeyWithByteCount: the count is negative");
@@ -148,6 +238,30 @@ std::optional<Bytes> ZORSecurity::decrypt_AES128_CBC_PKCS7(View data, View withK
     // Deliberate: the cipher goes over the short data all the same, and its error takes the place of this one.
     fail(error, u"The returned data does not match the desired length of 16.");
     return crypt(kCCDecrypt, kCbc, data, withKey, std::nullopt, {}, error);
+}
+
+std::optional<SecKey> ZORSecurity::zorPublicKey(std::optional<NSError>* error) {
+    clear(error);
+    const std::filesystem::path path = ZORPlatform::HostEnvironment::libraryResourceDirectory() / "phnios.pub64";
+    if (!ZORPlatform::NSFileManager::fileExistsAtPath(path)) return fail(error, u"Cannot find input file");
+    return getPublicKeyFromPEMFileAtPath(path, u"ZOR public key", error);
+}
+
+std::optional<SecKey> ZORSecurity::getPublicKeyFromPEMFileAtPath(const std::filesystem::path& path,
+                                                                 std::u16string_view usingPeerName,
+                                                                 std::optional<NSError>* error) {
+    clear(error);
+    const std::optional<Bytes> info = bytesOfBase64File(path);
+    if (!info) return fail(error, u"Cannot read from PEM file");
+    const std::optional<View> keyBytes = rsaPublicKeyIn(*info);
+    // Deliberate: a file that holds something else is no failure.
+    if (!keyBytes) return std::nullopt;
+
+    const SecItemDictionary item = peerKeyItem(usingPeerName);
+    if (!addInPlaceOfOthers(item, *keyBytes)) return fail(error, u"Problem adding public key to keychain");
+    std::optional<SecKey> key = keyFoundBy(item);
+    if (!key) return fail(error, u"Error retrieving public key reference from chain");
+    return key;
 }
 
 std::optional<SecKey> ZORSecurity::getPublicKeyFromBase64EncodedX509CertificateFileAtPath(

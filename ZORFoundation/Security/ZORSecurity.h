@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-// The security service: random material, AES-128 under a key given as bytes, public keys, and encryption with them.
+// The security service: a key kept in the item store, random material, AES-128 under a key given as bytes, public
+// keys, and encryption with them.
 // Ciphers under a key given as text are ZORAESCrypt.
 //
 //     const auto key = ZORSecurity::generateRandomKeyWithByteCount(16);
@@ -12,6 +13,7 @@
 
 #include <ZORPlatform/Export.h>
 #include <ZORPlatform/Foundation/NSError.h>
+#include <ZORPlatform/Security/SecItemDictionary.h>
 #include <ZORPlatform/Security/SecKey.h>
 
 #include <cstdint>
@@ -19,14 +21,16 @@
 #include <optional>
 #include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace ZORFoundation {
 
 using ZORPlatform::NSError;
+using ZORPlatform::SecItemDictionary;
 using ZORPlatform::SecKey;
 
-/// Operations without state of their own. All are thread-safe.
+/// Operations without state of their own; what they keep is in the item store. All are thread-safe.
 ///
 /// An operation that can fail gives no value then, and stores the reason in its `error`, which it empties first. A
 /// cipher's failure is an error of `kCommonCryptoErrorDomain` with the cipher's status as its code; every other one is
@@ -36,6 +40,35 @@ using ZORPlatform::SecKey;
 class ZOR_EXPORT ZORSecurity {
 public:
     ZORSecurity() = delete;
+
+    /// `fpKeychainItem`
+    ///
+    /// The attributes that the application adds its symmetric key of 128 bits under, with `kSecValueData` put in by
+    /// `SecItemAdd`'s caller: class key, key class symmetric, size 128, application label "fpKey", accessible when
+    /// unlocked on this device only.
+    ///
+    /// Accessibility tells the phone's item from the watch's: each variant reads and removes its own only. But it is
+    /// not part of an item's primary key, so a store holds one of the two at a time.
+    [[nodiscard]] static SecItemDictionary fpKeychainItem();
+    /// `fpKeychainItemWatch`: as `fpKeychainItem`, accessible after first unlock on this device only.
+    [[nodiscard]] static SecItemDictionary fpKeychainItemWatch();
+
+    /// `fpKeychainQuery`: `fpKeychainItem` with limit one, asking for attributes and data.
+    [[nodiscard]] static SecItemDictionary fpKeychainQuery();
+    /// `fpKeychainQueryWatch`: the same with `fpKeychainItemWatch`.
+    [[nodiscard]] static SecItemDictionary fpKeychainQueryWatch();
+
+    /// `fpKey_regular`
+    ///
+    /// The key that the phone's item holds; absent when there is none, and when the item store cannot be read.
+    [[nodiscard]] static std::optional<std::vector<std::uint8_t>> fpKey_regular();
+    /// `fpKey_watch`: the same of the watch's item.
+    [[nodiscard]] static std::optional<std::vector<std::uint8_t>> fpKey_watch();
+
+    /// `removeFpKeyFromKeyChain`: deletes the phone's item. Nothing says whether there was one.
+    static void removeFpKeyFromKeyChain();
+    /// `removeFpKeyFromKeyChainWatch`: the same with the watch's item.
+    static void removeFpKeyFromKeyChainWatch();
 
     /// `generateRandomKeyWithByteCount:`
     ///
@@ -95,6 +128,33 @@ public:
     [[nodiscard]] static std::optional<std::vector<std::uint8_t>> decrypt_AES128_CBC_PKCS7(
         std::span<const std::uint8_t> data, std::span<const std::uint8_t> withKey,
         std::optional<std::span<const std::uint8_t>> initVector, std::optional<NSError>* error = nullptr);
+
+    /// `zorPublicKey:`
+    ///
+    /// The application's own public key: `getPublicKeyFromPEMFileAtPath:usingPeerName:error:` of the file
+    /// "phnios.pub64" in `HostEnvironment::libraryResourceDirectory`, under the peer name "ZOR public key".
+    ///
+    /// @return absent with "Cannot find input file" when there is no such file, and as in that operation
+    [[nodiscard]] static std::optional<SecKey> zorPublicKey(std::optional<NSError>* error = nullptr);
+
+    /// `getPublicKeyFromPEMFileAtPath:usingPeerName:error:`
+    ///
+    /// The RSA key of a file, which passes through the item store: it takes the place of every RSA key there under the
+    /// same tag. Two loads under one name at once may each delete what the other has just added, so load keys from one
+    /// thread.
+    ///
+    /// @param path  a file of UTF-8 text, the Base64 form (`zor_dataWithBase64EncodedString:`) of a
+    /// SubjectPublicKeyInfo
+    ///              (RFC 5280), without lines of armour
+    /// @param usingPeerName  the tag of the item: of its UTF-8 form, as many bytes as the name has UTF-16 units
+    /// @return absent with "Cannot read from PEM file" when the file cannot be read or is not UTF-8, with "Problem
+    /// adding
+    ///         public key to keychain" when the item store does not take it, and with "Error retrieving public key
+    ///         reference from chain" when what it took is no key; absent **without an error** when the text holds
+    ///         something else than the SubjectPublicKeyInfo of an RSA key
+    [[nodiscard]] static std::optional<SecKey> getPublicKeyFromPEMFileAtPath(const std::filesystem::path& path,
+                                                                             std::u16string_view usingPeerName,
+                                                                             std::optional<NSError>* error = nullptr);
 
     /// `getPublicKeyFromBase64EncodedX509CertificateFileAtPath:error:`
     ///

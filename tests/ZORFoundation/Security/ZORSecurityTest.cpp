@@ -8,11 +8,11 @@
 
 #include <support/AllocationCount.h>
 #include <support/Certificates.h>
+#include <support/OpensslCommand.h>
 #include <support/TemporaryDirectory.h>
 
 #include <algorithm>
 #include <cstdint>
-#include <cstdlib>
 #include <limits>
 #include <set>
 #include <string>
@@ -275,16 +275,10 @@ TEST(ZORSecurity, ACertificateFileOfOtherTextHoldsNoCertificate) {
     }
 }
 
-// The other side, by the command that bank back ends use.
-Bytes decryptedByCommand(const PrivateKey& key, const Bytes& sealed) {
+Bytes decrypted(const PrivateKey& key, const Bytes& sealed) {
     const support::TemporaryDirectory directory;
     key.write(directory / "key.pem");
-    support::writeFile(directory / "sealed", sealed);
-    const std::string folder = directory.path().string();
-    const std::string command = "openssl pkeyutl -decrypt -pkeyopt rsa_padding_mode:pkcs1 -inkey " + folder +
-                                "/key.pem -in " + folder + "/sealed -out " + folder + "/plain";
-    EXPECT_EQ(std::system(command.c_str()), 0);
-    return support::readFile(directory / "plain");
+    return support::decryptedByCommand(directory / "key.pem", sealed);
 }
 
 TEST(ZORSecurity, WhatAPublicKeyEncryptsTheOpensslCommandDecrypts) {
@@ -294,7 +288,7 @@ TEST(ZORSecurity, WhatAPublicKeyEncryptsTheOpensslCommandDecrypts) {
         const auto sealed = ZORSecurity::rsaEncrypt(plain, publicHalf(rsa1024()), &error);
         ASSERT_EQ(sealed.value().size(), 128U);
         EXPECT_FALSE(error);
-        EXPECT_EQ(decryptedByCommand(rsa1024(), *sealed), plain);
+        EXPECT_EQ(decrypted(rsa1024(), *sealed), plain);
     }
 }
 
@@ -302,7 +296,7 @@ TEST(ZORSecurity, AShorterKeyGivesAShorterResult) {
     const PrivateKey key = PrivateKey::rsa(768);
     const auto sealed = ZORSecurity::rsaEncrypt(Bytes(84, 1), publicHalf(key));
     ASSERT_EQ(sealed.value().size(), 96U);
-    EXPECT_EQ(decryptedByCommand(key, *sealed), Bytes(84, 1));
+    EXPECT_EQ(decrypted(key, *sealed), Bytes(84, 1));
 }
 
 std::u16string failureOf(std::size_t length, const SecKey& key) {
