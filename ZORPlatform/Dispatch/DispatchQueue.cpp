@@ -1,22 +1,20 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <ZORPlatform/Dispatch/DispatchQueue.h>
 
+#include <ZORPlatform/Dispatch/BriefLock.h>
 #include <ZORPlatform/Dispatch/DispatchPool.h>
+#include <ZORPlatform/Dispatch/WorkList.h>
 #include <ZORPlatform/Foundation/Precondition.h>
 
 #include <cstddef>
-#include <deque>
 #include <mutex>
 #include <utility>
-#include <vector>
 
 namespace ZORPlatform {
 namespace {
 
 // Works run in one turn before jobs of other queues are let in.
 constexpr std::size_t kWorksInTurn = 128;
-// Room for works kept by a serial queue between turns.
-constexpr std::size_t kKeptRoom = 256;
 
 class SerialQueue final : public DispatchTarget, PoolJob, public std::enable_shared_from_this<SerialQueue> {
 public:
@@ -24,8 +22,8 @@ public:
 
     void async(DispatchWork work) override {
         {
-            const std::scoped_lock lock(mutex_);
-            pending_.push_back(std::move(work));
+            const std::scoped_lock lock(lock_);
+            pending_.append(std::move(work));
             if (self_ != nullptr) return;
             self_ = shared_from_this();
         }
@@ -38,23 +36,20 @@ private:
     void runTurn() noexcept override {
         std::size_t share = kWorksInTurn;
         for (;;) {
-            while (next_ < batch_.size()) {
+            while (!batch_.isEmpty()) {
                 if (share == 0) {
                     share = kWorksInTurn;
                     if (DispatchPool::hasReadyJobs()) return DispatchPool::submit(*this);
                 }
                 --share;
-                // Moved out so that what it holds goes as soon as it has run.
-                DispatchWork work = std::move(batch_[next_++]);
-                work();
+                batch_.runFirst();
             }
-            next_ = 0;
-            batch_.clear();
             // Destroyed after the lock: this may be the last handle.
             std::shared_ptr<SerialQueue> self;
-            const std::scoped_lock lock(mutex_);
-            if (pending_.empty()) {
-                if (batch_.capacity() > kKeptRoom) std::vector<DispatchWork>().swap(batch_);
+            const std::scoped_lock lock(lock_);
+            if (pending_.isEmpty()) {
+                batch_.trim();
+                pending_.trim();
                 self = std::move(self_);
                 return;
             }
@@ -63,13 +58,12 @@ private:
     }
 
     const std::u16string label_;
-    std::mutex mutex_;
-    std::vector<DispatchWork> pending_;  ///< Guarded by the mutex.
-    /// Guarded by the mutex. Held while there is work or a turn is due: by it the queue outlives its handles.
+    BriefLock lock_;
+    WorkList pending_;  ///< Guarded by the lock.
+    /// Guarded by the lock. Held while there is work or a turn is due: by it the queue outlives its handles.
     std::shared_ptr<SerialQueue> self_;
     // What the turns work off. One turn follows another, so nothing guards it.
-    std::vector<DispatchWork> batch_;
-    std::size_t next_ = 0;
+    WorkList batch_;
 };
 
 class ConcurrentQueue final : public DispatchTarget, PoolJob, public std::enable_shared_from_this<ConcurrentQueue> {
@@ -78,8 +72,8 @@ public:
 
     void async(DispatchWork work) override {
         {
-            const std::scoped_lock lock(mutex_);
-            pending_.push_back(std::move(work));
+            const std::scoped_lock lock(lock_);
+            pending_.append(std::move(work));
             if (self_ != nullptr) return;
             self_ = shared_from_this();
         }
@@ -92,13 +86,12 @@ private:
     void runTurn() noexcept override {
         // Destroyed after the lock: this may be the last handle.
         std::shared_ptr<ConcurrentQueue> self;
-        std::unique_lock lock(mutex_);
+        std::unique_lock lock(lock_);
         self = std::move(self_);
-        for (std::size_t share = kWorksInTurn; !pending_.empty(); --share) {
+        for (std::size_t share = kWorksInTurn; !pending_.isEmpty(); --share) {
             if (share == 0) return submitForRest(lock);
             {
-                DispatchWork work = std::move(pending_.front());
-                pending_.pop_front();
+                DispatchWork work = pending_.takeFirst();
                 submitForRest(lock);
                 work();
             }
@@ -107,17 +100,17 @@ private:
     }
 
     /// Lets another worker have what is left, and releases the lock.
-    void submitForRest(std::unique_lock<std::mutex>& lock) {
-        const bool submits = !pending_.empty() && self_ == nullptr;
+    void submitForRest(std::unique_lock<BriefLock>& lock) {
+        const bool submits = !pending_.isEmpty() && self_ == nullptr;
         if (submits) self_ = shared_from_this();
         lock.unlock();
         if (submits) DispatchPool::submit(*this);
     }
 
     const std::u16string label_;
-    std::mutex mutex_;
-    std::deque<DispatchWork> pending_;       ///< Guarded by the mutex.
-    std::shared_ptr<ConcurrentQueue> self_;  ///< Guarded by the mutex. Held while a turn is due.
+    BriefLock lock_;
+    WorkList pending_;                       ///< Guarded by the lock.
+    std::shared_ptr<ConcurrentQueue> self_;  ///< Guarded by the lock. Held while a turn is due.
 };
 
 }  // namespace
