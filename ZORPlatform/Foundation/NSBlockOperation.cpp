@@ -6,39 +6,41 @@
 #include <ZORPlatform/Foundation/NSException.h>
 #include <ZORPlatform/Foundation/Precondition.h>
 
+#include <mutex>
+#include <utility>
+
 namespace ZORPlatform {
+
+NSBlockOperation::NSBlockOperation(DispatchWork block) : firstBlock_(std::move(block)) {
+    if (!firstBlock_) preconditionFailure("NSBlockOperation: the block must not be empty");
+}
 
 NSBlockOperation::~NSBlockOperation() = default;
 
 void NSBlockOperation::addExecutionBlock(DispatchWork block) {
     if (!block) preconditionFailure("NSBlockOperation addExecutionBlock: the block must not be empty");
-    const std::scoped_lock lock(mutex_);
-    if (isClosed_) {
+    const std::scoped_lock lock(lock_);
+    if (isClosed_.load(std::memory_order_relaxed)) {
         throw NSException(u"NSInvalidArgumentException",
                           u"NSBlockOperation addExecutionBlock: the operation is executing or finished");
     }
-    if (firstBlock_) {
-        furtherBlocks_.push_back(std::move(block));
-    } else {
+    if (!firstBlock_) {
         firstBlock_ = std::move(block);
+        return;
     }
+    if (furtherBlocks_ == nullptr) furtherBlocks_ = std::make_unique<std::vector<DispatchWork>>();
+    furtherBlocks_->push_back(std::move(block));
 }
 
 void NSBlockOperation::main() {
-    DispatchWork first;
-    std::vector<DispatchWork> further;
-    {
-        const std::scoped_lock lock(mutex_);
-        isClosed_ = true;
-        first = std::move(firstBlock_);
-        further.swap(furtherBlocks_);
-    }
-    if (further.empty()) {
-        if (first) first();
+    if (!close()) return;
+    if (furtherBlocks_ == nullptr) {
+        if (firstBlock_) firstBlock_();
+        firstBlock_ = nullptr;
         return;
     }
     const DispatchGroup group;
-    for (DispatchWork& block : further) {
+    for (DispatchWork& block : *furtherBlocks_) {
         group.enter();
         DispatchQueue::serial(u"NSBlockOperation").async([group, block = std::move(block)]() mutable {
             block();
@@ -46,17 +48,25 @@ void NSBlockOperation::main() {
             group.leave();
         });
     }
-    first();
+    furtherBlocks_.reset();
+    firstBlock_();
+    firstBlock_ = nullptr;
     group.wait();
 }
 
 void NSBlockOperation::releaseWork() noexcept {
-    DispatchWork first;
-    std::vector<DispatchWork> further;
-    const std::scoped_lock lock(mutex_);
-    isClosed_ = true;
-    first = std::move(firstBlock_);
-    further.swap(furtherBlocks_);
+    if (!close()) return;
+    firstBlock_ = nullptr;
+    furtherBlocks_.reset();
+}
+
+/// @return false when the blocks have been closed before
+bool NSBlockOperation::close() noexcept {
+    if (isClosed_.load(std::memory_order_acquire)) return false;
+    const std::scoped_lock lock(lock_);
+    if (isClosed_.load(std::memory_order_relaxed)) return false;
+    isClosed_.store(true, std::memory_order_release);
+    return true;
 }
 
 }  // namespace ZORPlatform

@@ -6,13 +6,14 @@
 //     const auto refresh = NSBlockOperation::blockOperationWithBlock([] { refreshAccounts(); });
 //     queue.addOperation(refresh);
 
+#include <ZORPlatform/Dispatch/BriefLock.h>
 #include <ZORPlatform/Dispatch/DispatchWork.h>
 #include <ZORPlatform/Export.h>
 #include <ZORPlatform/Foundation/NSOperation.h>
 
+#include <atomic>
 #include <concepts>
 #include <memory>
-#include <mutex>
 #include <utility>
 #include <vector>
 
@@ -23,14 +24,20 @@ namespace ZORPlatform {
 class ZOR_EXPORT NSBlockOperation : public NSOperation {
 public:
     NSBlockOperation() noexcept = default;
+    /// An operation with one block. An empty one stops the process.
+    explicit NSBlockOperation(DispatchWork block);
     ~NSBlockOperation() override;
 
     /// `blockOperationWithBlock:`: a new instance of `Operation`, which plays the receiving class, with one block.
     template <std::derived_from<NSBlockOperation> Operation = NSBlockOperation>
     [[nodiscard]] static std::shared_ptr<Operation> blockOperationWithBlock(DispatchWork block) {
-        auto operation = std::make_shared<Operation>();
-        operation->addExecutionBlock(std::move(block));
-        return operation;
+        if constexpr (std::same_as<Operation, NSBlockOperation>) {
+            return std::make_shared<NSBlockOperation>(std::move(block));
+        } else {
+            auto operation = std::make_shared<Operation>();
+            operation->addExecutionBlock(std::move(block));
+            return operation;
+        }
     }
 
     /// `addExecutionBlock:`
@@ -46,10 +53,13 @@ public:
 private:
     void releaseWork() noexcept override;
 
-    std::mutex mutex_;
+    [[nodiscard]] bool close() noexcept;
+
+    /// Guards the blocks until no more are taken. They then belong to the one who has closed them.
+    BriefLock lock_;
+    std::atomic<bool> isClosed_{false};
     DispatchWork firstBlock_;
-    std::vector<DispatchWork> furtherBlocks_;
-    bool isClosed_ = false;
+    std::unique_ptr<std::vector<DispatchWork>> furtherBlocks_;
 };
 
 }  // namespace ZORPlatform

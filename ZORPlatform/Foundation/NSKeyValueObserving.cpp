@@ -53,18 +53,10 @@ void NSKeyValueObserving::removeObserver(Token token) {
     }
 }
 
-void NSKeyValueObserving::willChangeValueForKey(std::u16string_view key) { tellObservers({key, true}); }
-
-void NSKeyValueObserving::didChangeValueForKey(std::u16string_view key) {
-    tellObservers({key, false});
-    valueDidChange(key);
-}
-
 void NSKeyValueObserving::valueDidChange(std::u16string_view /*key*/) {}
 
 void NSKeyValueObserving::tellObservers(const NSKeyValueChange& change) {
     Observers* observers = observers_.load(std::memory_order_acquire);
-    if (observers == nullptr) return;
     std::vector<std::shared_ptr<const Observers::Entry>> told;
     {
         const std::scoped_lock lock(observers->mutex);

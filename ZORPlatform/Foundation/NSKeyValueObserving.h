@@ -52,11 +52,16 @@ public:
 
     /// `willChangeValueForKey:`. Says that the property is about to change. Each will is followed by a did of the
     /// same key; pairs of different keys may nest.
-    void willChangeValueForKey(std::u16string_view key);
+    void willChangeValueForKey(std::u16string_view key) {
+        if (isObserved()) tellObservers({key, true});
+    }
 
     /// `didChangeValueForKey:`. Says that the property has changed. The object itself acts on it after its observers.
     /// The object may be gone when this returns, unless the caller holds it.
-    void didChangeValueForKey(std::u16string_view key);
+    void didChangeValueForKey(std::u16string_view key) {
+        if (isObserved()) tellObservers({key, false});
+        valueDidChange(key);
+    }
 
 protected:
     NSKeyValueObserving() noexcept = default;
@@ -68,6 +73,7 @@ private:
     /// What the object itself does about a change. May let the object be destroyed.
     virtual void valueDidChange(std::u16string_view key);
 
+    [[nodiscard]] bool isObserved() const noexcept { return observers_.load(std::memory_order_acquire) != nullptr; }
     void tellObservers(const NSKeyValueChange& change);
 
     /// Made with the first observer: most objects never have one.

@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <mutex>
 #include <utility>
 
 namespace ZORPlatform {
@@ -20,6 +21,8 @@ constexpr std::size_t kManyDependencies = 16;
 bool isSameOwner(const std::weak_ptr<NSOperation>& left, const std::weak_ptr<NSOperation>& right) {
     return !left.owner_before(right) && !right.owner_before(left);
 }
+
+constexpr auto isAny = [](const auto&) { return true; };
 
 // Operations whose last handle is going on this thread, while one is being destroyed.
 thread_local std::vector<std::shared_ptr<NSOperation>>* goingOperations = nullptr;
@@ -43,7 +46,9 @@ void letGo(std::vector<std::shared_ptr<NSOperation>> operations) {
 
 NSOperation::NSOperation() noexcept = default;
 
-NSOperation::~NSOperation() { letGo(std::move(dependencies_)); }
+NSOperation::~NSOperation() {
+    if (dependencies_.size() > 0) letGo(dependencies_.take(isAny));
+}
 
 void NSOperation::start() {
     if (isFinished()) return;
@@ -55,15 +60,16 @@ void NSOperation::start() {
     }
     if (!isCancelled()) {
         willChangeValueForKey(kExecutingKey);
-        isExecuting_ = true;
+        isExecuting_.store(true, std::memory_order_release);
         didChangeValueForKey(kExecutingKey);
         main();
         willChangeValueForKey(kExecutingKey);
-        isExecuting_ = false;
+        isExecuting_.store(false, std::memory_order_release);
         didChangeValueForKey(kExecutingKey);
     }
     willChangeValueForKey(kFinishedKey);
-    isFinished_ = true;
+    isFinished_.store(true, std::memory_order_release);
+    OperationQueueCore::willReturnFromStart(*this);
     didChangeValueForKey(kFinishedKey);
 }
 
@@ -79,14 +85,11 @@ void NSOperation::cancel() {
     std::vector<std::shared_ptr<NSOperation>> forgotten;
     willChangeValueForKey(kReadyKey);
     {
-        const std::scoped_lock lock(mutex_);
+        const std::scoped_lock lock(lock_);
         ignoresDependencies_ = true;
         unfinishedDependencies_ = 0;
         dependencyIndex_.reset();
-        const auto kept = std::stable_partition(dependencies_.begin(), dependencies_.end(),
-                                                [](const auto& operation) { return operation->isConcluded_.load(); });
-        forgotten.assign(std::move_iterator(kept), std::move_iterator(dependencies_.end()));
-        dependencies_.erase(kept, dependencies_.end());
+        forgotten = dependencies_.take([](const auto& operation) { return operation->isConcluded_ == 0; });
         isBlocked_ = false;
     }
     didChangeValueForKey(kReadyKey);
@@ -101,11 +104,11 @@ bool NSOperation::isAsynchronous() const { return false; }
 
 void NSOperation::addDependency(const std::shared_ptr<NSOperation>& operation) {
     if (operation == nullptr) preconditionFailure("addDependency: the operation must not be null");
-    const std::weak_ptr<NSOperation> self = weak_from_this();
+    std::weak_ptr<NSOperation> self = weak_from_this();
     if (self.expired()) preconditionFailure("addDependency: the receiver must be held by a std::shared_ptr");
     if (isExecuting() || isFinished() || !noteDependency(operation)) return;
-    if (!operation->noteDependent(self)) {
-        const std::scoped_lock lock(mutex_);
+    if (!operation->noteDependent(std::move(self))) {
+        const std::scoped_lock lock(lock_);
         if (!ignoresDependencies_) --unfinishedDependencies_;
     }
     settleReadiness();
@@ -113,111 +116,109 @@ void NSOperation::addDependency(const std::shared_ptr<NSOperation>& operation) {
 
 /// Counts a dependency as unfinished. @return false when it is one already, or when none is to be added any more
 bool NSOperation::noteDependency(const std::shared_ptr<NSOperation>& operation) {
-    const std::scoped_lock lock(mutex_);
-    if (isConcluded_ || isCancelled()) return false;
+    const std::scoped_lock lock(lock_);
+    if (isConcluded_ != 0 || isCancelled()) return false;
     if (dependencyIndex_ != nullptr) {
         if (!dependencyIndex_->insert(operation.get()).second) return false;
     } else {
-        if (std::find(dependencies_.begin(), dependencies_.end(), operation) != dependencies_.end()) return false;
+        bool isKnown = false;
+        dependencies_.forEach([&](const auto& dependency) { isKnown = isKnown || dependency == operation; });
+        if (isKnown) return false;
         if (dependencies_.size() == kManyDependencies) {
             dependencyIndex_ = std::make_unique<std::unordered_set<const NSOperation*>>();
-            for (const auto& dependency : dependencies_) dependencyIndex_->insert(dependency.get());
+            dependencies_.forEach([&](const auto& dependency) { dependencyIndex_->insert(dependency.get()); });
             dependencyIndex_->insert(operation.get());
         }
     }
-    dependencies_.push_back(operation);
+    dependencies_.append(operation);
     ++unfinishedDependencies_;
     return true;
 }
 
 /// @return false when this operation is over, so that nothing will be told to the dependent
-bool NSOperation::noteDependent(const std::weak_ptr<NSOperation>& dependent) {
-    const std::scoped_lock lock(mutex_);
-    if (isConcluded_) return false;
+bool NSOperation::noteDependent(std::weak_ptr<NSOperation> dependent) {
+    const std::scoped_lock lock(lock_);
+    if (isConcluded_ != 0) return false;
     // Dependents that were dropped without ever running would add up in an operation that runs for long.
-    if (dependents_.size() == dependents_.capacity()) {
-        std::erase_if(dependents_, [](const auto& other) { return other.expired(); });
-        if (dependents_.size() > dependents_.capacity() / 2) dependents_.reserve(2 * dependents_.capacity());
-    }
-    dependents_.push_back(dependent);
+    dependents_.append(std::move(dependent), [](const auto& other) { return other.expired(); });
     return true;
 }
 
 void NSOperation::removeDependency(const std::shared_ptr<NSOperation>& operation) {
     if (operation == nullptr) return;
     {
-        const std::scoped_lock lock(mutex_);
-        const auto found = std::find(dependencies_.begin(), dependencies_.end(), operation);
-        if (found == dependencies_.end()) return;
-        dependencies_.erase(found);
+        const std::scoped_lock lock(lock_);
+        if (dependencies_.take([&](const auto& dependency) { return dependency == operation; }).empty()) return;
         if (dependencyIndex_ != nullptr) dependencyIndex_->erase(operation.get());
     }
     {
         const std::weak_ptr<NSOperation> self = weak_from_this();
-        const std::scoped_lock lock(operation->mutex_);
-        const auto found = std::find_if(operation->dependents_.begin(), operation->dependents_.end(),
-                                        [&self](const auto& dependent) { return isSameOwner(dependent, self); });
+        const std::scoped_lock lock(operation->lock_);
         // An operation that is over no longer has it, and has counted itself off or is about to.
-        if (found == operation->dependents_.end()) return;
-        operation->dependents_.erase(found);
+        if (operation->dependents_.take([&](const auto& dependent) { return isSameOwner(dependent, self); }).empty()) {
+            return;
+        }
     }
     dependencyConcluded();
 }
 
 std::vector<std::shared_ptr<NSOperation>> NSOperation::dependencies() const {
-    const std::scoped_lock lock(mutex_);
-    return dependencies_;
+    std::vector<std::shared_ptr<NSOperation>> dependencies;
+    const std::scoped_lock lock(lock_);
+    dependencies.reserve(dependencies_.size());
+    dependencies_.forEach([&](const auto& dependency) { dependencies.push_back(dependency); });
+    return dependencies;
 }
 
 /// One dependency less to wait for.
 void NSOperation::dependencyConcluded() {
     {
-        const std::scoped_lock lock(mutex_);
-        if (ignoresDependencies_ || --unfinishedDependencies_ > 0) return;
+        const std::scoped_lock lock(lock_);
+        if (ignoresDependencies_ || --unfinishedDependencies_ > 0 || !isBlocked_) return;
     }
-    settleReadiness();
+    announceReadiness();
+}
+
+void NSOperation::settleReadiness() {
+    {
+        const std::scoped_lock lock(lock_);
+        if (isBlocked_ == (unfinishedDependencies_ > 0)) return;
+    }
+    announceReadiness();
 }
 
 /// Brings "isReady" into line with the count of dependencies. Of several threads that change the count, the last makes
 /// the property true to it.
-void NSOperation::settleReadiness() {
-    {
-        const std::scoped_lock lock(mutex_);
-        if (isBlocked_ == (unfinishedDependencies_ > 0)) return;
-    }
+void NSOperation::announceReadiness() {
     willChangeValueForKey(kReadyKey);
     {
-        const std::scoped_lock lock(mutex_);
+        const std::scoped_lock lock(lock_);
         isBlocked_ = unfinishedDependencies_ > 0;
     }
     didChangeValueForKey(kReadyKey);
 }
 
 void NSOperation::setCompletionBlock(DispatchWork block) {
-    const std::scoped_lock lock(mutex_);
-    // Either way the block that goes is destroyed after the lock, with the parameter.
-    if (!isConcluded_) std::swap(completionBlock_, block);
+    auto completionBlock = block ? std::make_unique<DispatchWork>(std::move(block)) : nullptr;
+    const std::scoped_lock lock(lock_);
+    // Either way the block that goes is destroyed after the lock.
+    if (isConcluded_ == 0) completionBlock_.swap(completionBlock);
 }
 
 NSOperationQueuePriority NSOperation::queuePriority() const noexcept { return priority_; }
 void NSOperation::setQueuePriority(NSOperationQueuePriority priority) noexcept { priority_ = priority; }
 
 void NSOperation::waitUntilFinished() const {
-    std::unique_lock lock(mutex_);
-    if (isConcluded_) return;
-    lock.unlock();
+    if (isConcluded_ != 0) return;
     const DispatchPool::Blocking blocking;
-    lock.lock();
-    concluded_.wait(lock, [this] { return isConcluded_.load(); });
-    lock.unlock();
+    isConcluded_.wait(0);
 }
 
 void NSOperation::valueDidChange(std::u16string_view key) {
     if (key == kFinishedKey) {
         if (isFinished()) conclude();
     } else if (key == kReadyKey) {
-        // While joining, the queue looks at the property itself.
-        if (membership_.load(std::memory_order_acquire) == Membership::joined && isReady()) queue_->makeReady(*this);
+        if (isReady()) OperationQueueCore::becameReady(*this);
     }
 }
 
@@ -226,29 +227,35 @@ void NSOperation::releaseWork() noexcept {}
 void NSOperation::conclude() {
     // Goes last: it may be what keeps this object.
     std::shared_ptr<NSOperation> retained;
-    std::vector<std::shared_ptr<NSOperation>> dependencies;
-    std::vector<std::weak_ptr<NSOperation>> dependents;
-    DispatchWork completionBlock;
+    Dependencies dependencies;
+    Dependents dependents;
+    std::unique_ptr<DispatchWork> completionBlock;
+    auto membership = Membership::none;
     {
-        const std::scoped_lock lock(mutex_);
-        if (isConcluded_) return;
-        isConcluded_ = true;
-        dependencies.swap(dependencies_);
+        const std::scoped_lock lock(lock_);
+        if (isConcluded_.load(std::memory_order_relaxed) != 0) return;
+        isConcluded_.store(1, std::memory_order_release);
+        dependencies_.swap(dependencies);
         dependencyIndex_.reset();
-        dependents.swap(dependents_);
-        std::swap(completionBlock, completionBlock_);
-        concluded_.notify_all();
+        dependents_.swap(dependents);
+        completionBlock_.swap(completionBlock);
+        membership = membership_.load(std::memory_order_acquire);
+        if (membership == Membership::joined) {
+            membership_.store(Membership::left, std::memory_order_release);
+        } else {
+            membership = membership_.exchange(Membership::left);
+        }
     }
+    isConcluded_.notify_all();
+    const bool isRemovedHere = membership == Membership::joined && !OperationQueueCore::isRemovedByTurn(*this);
     releaseWork();
     // A queue for each block: no block waits for another.
-    if (completionBlock) DispatchQueue::serial(u"NSOperation completion").async(std::move(completionBlock));
-    for (const std::weak_ptr<NSOperation>& entry : dependents) {
+    if (completionBlock) DispatchQueue::serial(u"NSOperation completion").async(std::move(*completionBlock));
+    dependents.forEach([](const std::weak_ptr<NSOperation>& entry) {
         if (const std::shared_ptr<NSOperation> dependent = entry.lock()) dependent->dependencyConcluded();
-    }
-    if (membership_.exchange(Membership::left, std::memory_order_acq_rel) == Membership::joined) {
-        retained = queue_->remove(*this);
-    }
-    letGo(std::move(dependencies));
+    });
+    if (isRemovedHere) retained = queue_->remove(*this);
+    if (dependencies.size() > 0) letGo(dependencies.take(isAny));
 }
 
 }  // namespace ZORPlatform

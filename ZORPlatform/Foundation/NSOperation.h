@@ -19,16 +19,16 @@
 // moment, after the observers: its dependencies are let go, its completion block is sent off, operations that depend
 // on it may become ready, and its queue starts the next.
 
+#include <ZORPlatform/Dispatch/BriefLock.h>
 #include <ZORPlatform/Dispatch/DispatchWork.h>
 #include <ZORPlatform/Export.h>
 #include <ZORPlatform/Foundation/NSKeyValueObserving.h>
+#include <ZORPlatform/Foundation/ShortList.h>
 
 #include <atomic>
-#include <condition_variable>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
-#include <mutex>
 #include <string_view>
 #include <unordered_set>
 #include <vector>
@@ -125,6 +125,9 @@ private:
     friend class OperationQueueCore;
     friend class ReadyOperations;
 
+    using Dependencies = ShortList<std::shared_ptr<NSOperation>>;
+    using Dependents = ShortList<std::weak_ptr<NSOperation>>;
+
     /// Where the operation stands towards its queue. Joining: the queue is being told.
     enum class Membership : std::uint8_t { none, joining, joined, left };
     /// Where the queue keeps the operation.
@@ -137,8 +140,9 @@ private:
     void conclude();
     void dependencyConcluded();
     void settleReadiness();
+    void announceReadiness();
     [[nodiscard]] bool noteDependency(const std::shared_ptr<NSOperation>& operation);
-    [[nodiscard]] bool noteDependent(const std::weak_ptr<NSOperation>& dependent);
+    [[nodiscard]] bool noteDependent(std::weak_ptr<NSOperation> dependent);
 
     std::atomic<bool> isCancelled_{false};
     std::atomic<bool> isExecuting_{false};
@@ -146,25 +150,25 @@ private:
     std::atomic<bool> isStarted_{false};
     /// Whether unfinished dependencies hold the operation back, as last announced.
     std::atomic<bool> isBlocked_{false};
-    /// Set with the mutex held.
-    std::atomic<bool> isConcluded_{false};
     std::atomic<Membership> membership_{Membership::none};
     std::atomic<NSOperationQueuePriority> priority_{NSOperationQueuePriority::normal};
+    /// 1 once the operation is over. Set under the lock, and waited for.
+    std::atomic<int> isConcluded_{0};
 
-    // Guarded by the mutex.
-    mutable std::mutex mutex_;
-    mutable std::condition_variable concluded_;
+    mutable BriefLock lock_;
+
+    // Guarded by the lock.
     /// Cancelled before it executed: what its dependencies do no longer matters.
     bool ignoresDependencies_ = false;
-    std::size_t unfinishedDependencies_ = 0;
-    std::vector<std::shared_ptr<NSOperation>> dependencies_;
+    std::uint32_t unfinishedDependencies_ = 0;
+    Dependencies dependencies_;
     /// The same operations, for a quick look; made when there are many.
     std::unique_ptr<std::unordered_set<const NSOperation*>> dependencyIndex_;
-    std::vector<std::weak_ptr<NSOperation>> dependents_;
-    DispatchWork completionBlock_;
+    Dependents dependents_;
+    std::unique_ptr<DispatchWork> completionBlock_;
 
     // The queue's. The first is written while joining, the others are guarded by the queue.
-    std::shared_ptr<OperationQueueCore> queue_;
+    OperationQueueCore* queue_ = nullptr;
     std::shared_ptr<NSOperation> retained_;
     NSOperation* previous_ = nullptr;
     NSOperation* next_ = nullptr;
@@ -173,6 +177,8 @@ private:
     std::uint64_t order_ = 0;
     Place place_ = Place::none;
     std::uint8_t readyLane_ = 0;
+    /// Whether a thread of the queue is inside `start`.
+    bool isBeingStarted_ = false;
 };
 
 }  // namespace ZORPlatform

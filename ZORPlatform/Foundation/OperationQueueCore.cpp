@@ -4,6 +4,7 @@
 #include <ZORPlatform/Foundation/NSException.h>
 
 #include <algorithm>
+#include <mutex>
 #include <utility>
 
 namespace ZORPlatform {
@@ -58,6 +59,8 @@ void ReadyOperations::remove(NSOperation& operation) noexcept {
     operation.previousReady_ = operation.nextReady_ = nullptr;
 }
 
+constinit thread_local OperationQueueCore::Starting OperationQueueCore::starting_{};
+
 void OperationQueueCore::add(std::shared_ptr<NSOperation> operation) {
     NSOperation& added = *operation;
     auto membership = NSOperation::Membership::none;
@@ -66,72 +69,81 @@ void OperationQueueCore::add(std::shared_ptr<NSOperation> operation) {
         throw NSException(u"NSInvalidArgumentException",
                           u"NSOperationQueue addOperation: the operation is executing, finished or already in a queue");
     }
-    added.queue_ = shared_from_this();
+    added.queue_ = this;
     const bool isReady = added.isReady();
     // One that is ready may be over, and one that waits may be gone, as soon as the queue has it.
     const std::shared_ptr<NSOperation> waiting = isReady ? nullptr : operation;
+    std::shared_ptr<NSOperation> finished;
     bool submits = false;
     {
-        const std::scoped_lock lock(mutex_);
-        added.retained_ = std::move(operation);
-        added.previous_ = last_;
-        (last_ == nullptr ? first_ : last_->next_) = &added;
-        last_ = &added;
-        ++count_;
-        added.order_ = ++lastOrder_;
-        added.place_ = NSOperation::Place::waiting;
-        if (isReady) {
+        const std::scoped_lock lock(lock_);
+        link(std::move(operation));
+        membership = NSOperation::Membership::joining;
+        if (!added.membership_.compare_exchange_strong(membership, NSOperation::Membership::joined)) {
+            // It has finished in the meantime and left the rest to be done here.
+            finished = unlink(added);
+            if (count_ == 0 && !isTurnDue_) self_.reset();
+        } else if (isReady) {
             enterReady(added);
             submits = takesTurn();
         }
     }
     if (submits) DispatchPool::submit(*this);
-    membership = NSOperation::Membership::joining;
-    if (!added.membership_.compare_exchange_strong(membership, NSOperation::Membership::joined)) {
-        // It has finished in the meantime and left the rest to be done here.
-        const std::shared_ptr<NSOperation> retained = remove(added);
-    } else if (waiting != nullptr && waiting->isReady()) {
-        makeReady(*waiting);
-    }
+    if (waiting != nullptr && waiting->isReady()) makeReady(*waiting);
 }
 
-void OperationQueueCore::makeReady(NSOperation& operation) {
-    bool submits = false;
+void OperationQueueCore::becameReady(NSOperation& operation) {
+    OperationQueueCore* core = nullptr;
+    std::shared_ptr<OperationQueueCore> kept;
     {
-        const std::scoped_lock lock(mutex_);
-        if (operation.place_ != NSOperation::Place::waiting) return;
-        enterReady(operation);
-        submits = takesTurn();
+        const std::scoped_lock lock(operation.lock_);
+        // While joining, the queue looks at the property itself.
+        if (operation.membership_ != NSOperation::Membership::joined) return;
+        core = operation.queue_;
+        if (core != starting_.core) kept = core->shared_from_this();
     }
-    if (submits) DispatchPool::submit(*this);
+    core->makeReady(operation);
+}
+
+void OperationQueueCore::willReturnFromStart(const NSOperation& operation) noexcept {
+    if (starting_.operation == &operation) starting_.willReturn = true;
+}
+
+bool OperationQueueCore::isRemovedByTurn(const NSOperation& operation) noexcept {
+    if (starting_.operation == &operation && starting_.willReturn) starting_.isConcluded = true;
+    return starting_.operation == &operation && starting_.isConcluded;
 }
 
 std::shared_ptr<NSOperation> OperationQueueCore::remove(NSOperation& operation) {
+    // Destroyed after the lock: this may be the last that holds the core.
+    std::shared_ptr<OperationQueueCore> self;
     std::shared_ptr<NSOperation> retained;
     bool submits = false;
     {
-        const std::scoped_lock lock(mutex_);
-        if (operation.place_ == NSOperation::Place::started) --running_;
-        if (operation.place_ == NSOperation::Place::ready) {
-            lanes_[operation.readyLane_].remove(operation);
-            --readyCount_;
-        }
-        operation.place_ = NSOperation::Place::none;
-        (operation.previous_ == nullptr ? first_ : operation.previous_->next_) = operation.next_;
-        (operation.next_ == nullptr ? last_ : operation.next_->previous_) = operation.previous_;
-        retained = std::move(operation.retained_);
-        if (--count_ == 0) {
-            ++timesEmptied_;
-            emptied_.notify_all();
-        }
+        const std::scoped_lock lock(lock_);
+        retained = unlink(operation);
         submits = takesTurn();
+        if (count_ == 0 && !isTurnDue_) self = std::move(self_);
     }
     if (submits) DispatchPool::submit(*this);
     return retained;
 }
 
+void OperationQueueCore::makeReady(NSOperation& operation) {
+    bool submits = false;
+    {
+        const std::scoped_lock lock(lock_);
+        if (operation.place_ != NSOperation::Place::waiting) return;
+        enterReady(operation);
+        // A worker that is about to return from a `start` of this queue takes one itself.
+        const std::size_t taken = starting_.core == this && starting_.isConcluded ? 1 : 0;
+        submits = readyCount_ > taken && takesTurn();
+    }
+    if (submits) DispatchPool::submit(*this);
+}
+
 std::vector<std::shared_ptr<NSOperation>> OperationQueueCore::operations() const {
-    const std::scoped_lock lock(mutex_);
+    const std::scoped_lock lock(lock_);
     std::vector<std::shared_ptr<NSOperation>> operations;
     operations.reserve(count_);
     for (const NSOperation* operation = first_; operation != nullptr; operation = operation->next_) {
@@ -141,30 +153,30 @@ std::vector<std::shared_ptr<NSOperation>> OperationQueueCore::operations() const
 }
 
 std::size_t OperationQueueCore::operationCount() const {
-    const std::scoped_lock lock(mutex_);
+    const std::scoped_lock lock(lock_);
     return count_;
 }
 
 void OperationQueueCore::waitUntilAllOperationsAreFinished() {
-    std::unique_lock lock(mutex_);
-    if (count_ == 0) return;
-    const std::uint64_t before = timesEmptied_;
-    lock.unlock();
+    int before = 0;
+    {
+        const std::scoped_lock lock(lock_);
+        if (count_ == 0) return;
+        before = timesEmptied_;
+    }
     const DispatchPool::Blocking blocking;
-    lock.lock();
-    emptied_.wait(lock, [&] { return timesEmptied_ != before; });
-    lock.unlock();
+    timesEmptied_.wait(before);
 }
 
 int OperationQueueCore::maxConcurrentOperationCount() const {
-    const std::scoped_lock lock(mutex_);
+    const std::scoped_lock lock(lock_);
     return width_;
 }
 
 void OperationQueueCore::setMaxConcurrentOperationCount(int count) {
     bool submits = false;
     {
-        const std::scoped_lock lock(mutex_);
+        const std::scoped_lock lock(lock_);
         width_ = count;
         submits = takesTurn();
     }
@@ -172,55 +184,103 @@ void OperationQueueCore::setMaxConcurrentOperationCount(int count) {
 }
 
 void OperationQueueCore::runTurn() noexcept {
-    // Destroyed after the lock: this may be the last handle.
+    // Destroyed after the lock: this may be the last that holds the core.
     std::shared_ptr<OperationQueueCore> self;
-    std::unique_lock lock(mutex_);
-    self = std::move(self_);
+    std::shared_ptr<NSOperation> over;
+    std::unique_lock lock(lock_);
+    isTurnDue_ = false;
+    self = self_;
+    bool submits = false;
     for (std::size_t share = kOperationsInTurn; canStartOne(); --share) {
         if (share == 0) {
-            const bool submits = takesTurn();
-            lock.unlock();
-            if (submits) DispatchPool::submit(*this);
-            return;
-        }
-        {
-            const std::shared_ptr<NSOperation> operation = startNext();
-            const bool submits = takesTurn();
-            lock.unlock();
-            if (submits) DispatchPool::submit(*this);
-            if (operation->isReady()) {
-                operation->start();
-            } else {
-                postpone(*operation);
+            if (DispatchPool::hasReadyJobs()) {
+                submits = takesTurn();
+                break;
             }
+            share = kOperationsInTurn;
         }
+        NSOperation& operation = takeFirstReady();
+        submits = takesTurn();
+        lock.unlock();
+        over.reset();
+        if (std::exchange(submits, false)) DispatchPool::submit(*this);
+        if (!operation.isReady()) {
+            postpone(operation);
+            lock.lock();
+            continue;
+        }
+        starting_ = {this, &operation, false, false};
+        operation.start();
+        const bool isConcluded = std::exchange(starting_, {}).isConcluded;
         lock.lock();
+        operation.isBeingStarted_ = false;
+        if (isConcluded) {
+            over = unlink(operation);
+        } else if (operation.place_ == NSOperation::Place::none) {
+            over = std::move(operation.retained_);
+        }
     }
+    if (count_ == 0 && !isTurnDue_) self_.reset();
+    lock.unlock();
+    if (submits) DispatchPool::submit(*this);
 }
 
-/// Takes the first ready operation as started.
-std::shared_ptr<NSOperation> OperationQueueCore::startNext() noexcept {
-    for (ReadyOperations& lane : lanes_) {
-        NSOperation* operation = lane.first();
-        if (operation == nullptr) continue;
-        lane.remove(*operation);
+void OperationQueueCore::link(std::shared_ptr<NSOperation> operation) noexcept {
+    if (self_ == nullptr) self_ = shared_from_this();
+    NSOperation& linked = *operation;
+    linked.previous_ = last_;
+    (last_ == nullptr ? first_ : last_->next_) = &linked;
+    last_ = &linked;
+    ++count_;
+    linked.order_ = ++lastOrder_;
+    linked.place_ = NSOperation::Place::waiting;
+    linked.retained_ = std::move(operation);
+}
+
+std::shared_ptr<NSOperation> OperationQueueCore::unlink(NSOperation& operation) noexcept {
+    if (operation.place_ == NSOperation::Place::started) --running_;
+    if (operation.place_ == NSOperation::Place::ready) {
+        lanes_[operation.readyLane_].remove(operation);
         --readyCount_;
-        operation->place_ = NSOperation::Place::started;
-        ++running_;
-        return operation->retained_;
     }
-    return nullptr;
+    operation.place_ = NSOperation::Place::none;
+    (operation.previous_ == nullptr ? first_ : operation.previous_->next_) = operation.next_;
+    (operation.next_ == nullptr ? last_ : operation.next_->previous_) = operation.previous_;
+    if (--count_ == 0) {
+        ++timesEmptied_;
+        timesEmptied_.notify_all();
+    }
+    return operation.isBeingStarted_ ? nullptr : std::move(operation.retained_);
+}
+
+/// Takes the first ready operation as started. There must be one.
+NSOperation& OperationQueueCore::takeFirstReady() noexcept {
+    auto lane = lanes_.begin();
+    while (lane->first() == nullptr) ++lane;
+    NSOperation& operation = *lane->first();
+    lane->remove(operation);
+    --readyCount_;
+    operation.place_ = NSOperation::Place::started;
+    operation.isBeingStarted_ = true;
+    ++running_;
+    return operation;
 }
 
 /// An operation got a further dependency after it had been ready: it goes back to waiting.
 void OperationQueueCore::postpone(NSOperation& operation) {
+    std::shared_ptr<NSOperation> kept;
     {
-        const std::scoped_lock lock(mutex_);
-        if (operation.place_ != NSOperation::Place::started) return;
+        const std::scoped_lock lock(lock_);
+        operation.isBeingStarted_ = false;
+        if (operation.place_ != NSOperation::Place::started) {
+            kept = std::move(operation.retained_);
+            return;
+        }
         operation.place_ = NSOperation::Place::waiting;
         --running_;
+        kept = operation.retained_;
     }
-    if (operation.isReady()) makeReady(operation);
+    if (kept->isReady()) makeReady(*kept);
 }
 
 void OperationQueueCore::enterReady(NSOperation& operation) {
@@ -236,8 +296,8 @@ bool OperationQueueCore::canStartOne() const noexcept {
 
 /// Whether the pool is to be asked for a turn, which the caller then does without the lock.
 bool OperationQueueCore::takesTurn() noexcept {
-    if (self_ != nullptr || !canStartOne()) return false;
-    self_ = shared_from_this();
+    if (isTurnDue_ || !canStartOne()) return false;
+    isTurnDue_ = true;
     return true;
 }
 

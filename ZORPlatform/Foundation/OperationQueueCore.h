@@ -7,17 +7,20 @@
 // The queue is a job of the pool of threads. It asks for a turn when there is a ready operation and room under its
 // width; a worker with a turn starts operations one after the other until there is neither, and asks for a further
 // turn while it still sees both, so that as many workers join as there is work for. An operation that is finished
-// makes room from whatever thread announces it.
+// makes room from whatever thread announces it; only when that is the worker itself, at the very end of `start`, is it
+// taken out together with the choice of the next.
+//
+// Lifetime. The core holds itself while it has operations or a turn is due.
 
+#include <ZORPlatform/Dispatch/BriefLock.h>
 #include <ZORPlatform/Dispatch/DispatchPool.h>
 #include <ZORPlatform/Foundation/NSOperation.h>
 
 #include <array>
-#include <condition_variable>
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
-#include <mutex>
 #include <vector>
 
 namespace ZORPlatform {
@@ -39,16 +42,21 @@ private:
     std::vector<NSOperation*> late_;
 };
 
-/// Thread-safe. Calls nothing of the caller's with the mutex held.
+/// Thread-safe. Calls nothing of the caller's with the lock held.
 class OperationQueueCore final : public PoolJob, public std::enable_shared_from_this<OperationQueueCore> {
 public:
     /// Raises the exception of `addOperation`.
     void add(std::shared_ptr<NSOperation> operation);
 
-    /// A waiting operation has become ready. Others are ignored.
-    void makeReady(NSOperation& operation);
+    /// An operation is ready. If it waits in a queue, it may start from now on.
+    static void becameReady(NSOperation& operation);
 
-    /// The operation is over. @return what retained it
+    /// The operation of this turn, if it is one, will do nothing more after it has announced its end.
+    static void willReturnFromStart(const NSOperation& operation) noexcept;
+    /// The operation is over, and the current thread is about to return from its `start` to the queue's turn, which
+    /// will remove it. @return false when nothing of the kind holds, so that it is to be removed here
+    [[nodiscard]] static bool isRemovedByTurn(const NSOperation& operation) noexcept;
+    /// The operation is over. @return what retained it; null while a turn is inside its `start`
     [[nodiscard]] std::shared_ptr<NSOperation> remove(NSOperation& operation);
 
     [[nodiscard]] std::vector<std::shared_ptr<NSOperation>> operations() const;
@@ -61,26 +69,39 @@ public:
 private:
     static constexpr std::size_t kPriorities = 5;
 
+    /// What a worker with a turn is starting.
+    struct Starting {
+        OperationQueueCore* core;
+        const NSOperation* operation;
+        bool willReturn;
+        bool isConcluded;
+    };
+    static thread_local Starting starting_;
+
     void runTurn() noexcept override;
-    [[nodiscard]] std::shared_ptr<NSOperation> startNext() noexcept;
-    void postpone(NSOperation& operation);
+    void link(std::shared_ptr<NSOperation> operation) noexcept;
+    [[nodiscard]] std::shared_ptr<NSOperation> unlink(NSOperation& operation) noexcept;
+    void makeReady(NSOperation& operation);
     void enterReady(NSOperation& operation);
+    [[nodiscard]] NSOperation& takeFirstReady() noexcept;
+    void postpone(NSOperation& operation);
     [[nodiscard]] bool canStartOne() const noexcept;
     [[nodiscard]] bool takesTurn() noexcept;
 
-    mutable std::mutex mutex_;
-    std::condition_variable emptied_;
+    mutable BriefLock lock_;
     NSOperation* first_ = nullptr;
     NSOperation* last_ = nullptr;
     std::size_t count_ = 0;
-    std::uint64_t timesEmptied_ = 0;
+    /// Waited for.
+    std::atomic<int> timesEmptied_{0};
     std::uint64_t lastOrder_ = 0;
     std::array<ReadyOperations, kPriorities> lanes_;
     std::size_t readyCount_ = 0;
     /// Operations started and not finished.
     std::size_t running_ = 0;
     int width_ = -1;
-    /// Held while a turn is due.
+    bool isTurnDue_ = false;
+    /// Null when there is neither an operation nor a turn due.
     std::shared_ptr<OperationQueueCore> self_;
 };
 
