@@ -24,6 +24,8 @@ using namespace std::chrono_literals;
 
 // How long every worker may be busy with jobs ready before the pool takes it for a wait and lets one more run.
 constexpr auto kStallTime = 10ms;
+// About a microsecond, less than it takes to sleep and be woken.
+constexpr int kLooksBeforeSleep = 1'000;
 // How long a surplus worker stays.
 constexpr auto kSurplusTime = 5s;
 
@@ -180,7 +182,7 @@ private:
     }
 
     void workWhileReady(Worker& self, std::unique_lock<std::mutex>& lock) {
-        while (first_ != nullptr && (awake_ <= width_ || self.isRelief)) {
+        while ((first_ != nullptr || becomesReady(lock)) && (awake_ <= width_ || self.isRelief)) {
             self.isRelief = false;
             --searching_;
             PoolJob& job = *first_;
@@ -199,6 +201,17 @@ private:
         }
         self.isRelief = false;
         stopSearching();
+    }
+
+    /// Looks out for a further job for a moment: who submits many small ones should not have to wake somebody for
+    /// each.
+    bool becomesReady(std::unique_lock<std::mutex>& lock) const noexcept {
+        if (exiting_) return false;
+        lock.unlock();
+        for (int look = 0; look < kLooksBeforeSleep && !hasReadyJobs(); ++look) {
+        }
+        lock.lock();
+        return first_ != nullptr;
     }
 
     void stopSearching() noexcept {
