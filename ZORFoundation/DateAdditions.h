@@ -38,7 +38,8 @@ namespace ZORAdditions {
 
 /// `zor_dateOnly`
 ///
-/// Local midnight of the date's day; the first moment of the day where midnight is skipped.
+/// Local midnight of the date's day; the first moment of the day where midnight is skipped. The era is no part of a
+/// day: one before Christ comes back as that of the same year after.
 [[nodiscard]] ZOR_EXPORT std::optional<NSDate> zor_dateOnly(const NSDate& date);
 
 /// `zor_yearsFromDate:toDate:`

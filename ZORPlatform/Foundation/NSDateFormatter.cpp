@@ -49,6 +49,8 @@ struct DatePattern {
     std::u16string literals;
     std::vector<Item> items;
     bool isPlain = true;  ///< Every field is one that is laid out here.
+    bool isFixedWidth =
+        false;  ///< Texts of one form, with nothing but digits and signs in their fields, are read here.
 };
 
 namespace {
@@ -61,6 +63,29 @@ bool isPlainField(char16_t symbol, std::uint32_t count) {
     constexpr std::uint32_t kMaximumOffsetForm = 5;
     return kNumbers.find(symbol) != kNumbers.npos || kNames.find(symbol) != kNames.npos ||
            (symbol == u'Z' && count <= kMaximumOffsetForm);
+}
+
+/// How many digits a field has that is always as wide as its letters are many; 0 for any other one.
+std::uint32_t fixedDigits(const DatePattern::Item& item) {
+    constexpr std::u16string_view kTwoDigits = u"dMHms";
+    constexpr std::uint32_t kYear = 4;
+    constexpr std::uint32_t kFraction = 3;
+    const bool isWhole = (item.symbol == u'y' && item.count == kYear) ||
+                         (item.symbol == u'S' && item.count == kFraction) ||
+                         (kTwoDigits.find(item.symbol) != kTwoDigits.npos && item.count == 2);
+    return isWhole ? item.count : 0;
+}
+
+/// Each field at most once, an offset such as "+0100" at the end only, and no digit in a literal text.
+bool isFixedWidth(const DatePattern& pattern) {
+    std::u16string seen;
+    for (const DatePattern::Item& item : pattern.items) {
+        const bool isOffset = item.symbol == u'Z' && item.count <= 3 && &item == &pattern.items.back();
+        if (item.symbol == 0 || isOffset) continue;
+        if (fixedDigits(item) == 0 || seen.find(item.symbol) != seen.npos) return false;
+        seen += item.symbol;
+    }
+    return pattern.literals.find_first_of(u"0123456789") == pattern.literals.npos;
 }
 
 class PatternReader {
@@ -87,6 +112,7 @@ public:
                 at = end;
             }
         }
+        pattern_.isFixedWidth = isFixedWidth(pattern_);
         return std::move(pattern_);
     }
 
@@ -336,6 +362,99 @@ private:
     std::int32_t offset_;
 };
 
+// ---- Reading numbers -----------------------------------------------------------------------------------------------
+
+/// Takes `count` ASCII digits from the front of `text`.
+std::optional<std::uint32_t> takeNumber(std::u16string_view& text, std::uint32_t count) {
+    if (text.size() < count) return std::nullopt;
+    std::uint32_t number = 0;
+    for (const char16_t unit : text.substr(0, count)) {
+        if (unit < u'0' || unit > u'9') return std::nullopt;
+        number = number * 10 + static_cast<std::uint32_t>(unit - u'0');
+    }
+    text.remove_prefix(count);
+    return number;
+}
+
+/// Takes "+0100" from the front of `text`, up to a day's length.
+std::optional<std::int32_t> takeOffset(std::u16string_view& text) {
+    if (text.empty() || (text.front() != u'+' && text.front() != u'-')) return std::nullopt;
+    const std::int32_t sign = text.front() == u'-' ? -1 : 1;
+    text.remove_prefix(1);
+    const auto hours = takeNumber(text, 2);
+    const auto minutes = hours ? takeNumber(text, 2) : std::nullopt;
+    if (!minutes || *hours > 23 || *minutes > 59) return std::nullopt;
+    return sign * static_cast<std::int32_t>(*hours * 3600 + *minutes * 60);
+}
+
+/// The fields of a text, as far as a pattern of fixed width has them.
+struct Numbers {
+    std::uint32_t year = 2000;
+    std::uint32_t month = 1;
+    std::uint32_t day = 1;
+    std::uint32_t hour = 0;
+    std::uint32_t minute = 0;
+    std::uint32_t second = 0;
+    std::uint32_t millisecond = 0;
+    std::optional<std::int32_t> offset;
+
+    std::uint32_t& field(char16_t symbol) {
+        switch (symbol) {
+            case u'y':
+                return year;
+            case u'M':
+                return month;
+            case u'd':
+                return day;
+            case u'H':
+                return hour;
+            case u'm':
+                return minute;
+            case u's':
+                return second;
+            default:
+                return millisecond;
+        }
+    }
+};
+
+std::optional<Numbers> numbersOf(const DatePattern& pattern, std::u16string_view text) {
+    Numbers numbers;
+    for (const DatePattern::Item& item : pattern.items) {
+        if (item.symbol == 0) {
+            const auto literal = std::u16string_view(pattern.literals).substr(item.begin, item.count);
+            if (!text.starts_with(literal)) return std::nullopt;
+            text.remove_prefix(literal.size());
+        } else if (item.symbol == u'Z') {
+            numbers.offset = takeOffset(text);
+            if (!numbers.offset) return std::nullopt;
+        } else {
+            const auto number = takeNumber(text, item.count);
+            if (!number) return std::nullopt;
+            numbers.field(item.symbol) = *number;
+        }
+    }
+    return text.empty() ? std::optional(numbers) : std::nullopt;
+}
+
+/// Reads a text that is written exactly as its pattern writes it.
+///
+/// @return absent for any text about which there is more to say; ICU says it
+std::optional<NSDate> dateOfFixedWidth(const DatePattern& pattern, std::u16string_view text,
+                                       const TimeZoneRules& zone) {
+    const auto numbers = numbersOf(pattern, text);
+    if (!numbers || numbers->hour > 23 || numbers->minute > 59 || numbers->second > 59) return std::nullopt;
+    const std::int64_t days = daysSince1970(numbers->year, numbers->month, numbers->day);
+    const GregorianDay day = gregorianDay(days);
+    const bool isDay = day.month == numbers->month && day.day == numbers->day;
+    if (!isDay || days < kFirstPlainDay) return std::nullopt;
+    const std::int64_t local = days * kSecondsPerDay + numbers->hour * 3600 + numbers->minute * 60 + numbers->second;
+    const std::int32_t offset = numbers->offset ? *numbers->offset : zone.offsetAtLocal(local);
+    // What the clocks skip is no time.
+    if (!numbers->offset && zone.offsetAt(local - offset) != offset) return std::nullopt;
+    return calendarDate({local - offset, numbers->millisecond / 1000.0});
+}
+
 // ---- ICU's formatter -----------------------------------------------------------------------------------------------
 
 /// Lengths of fields that have no separator between them are told by the number of their letters.
@@ -503,6 +622,9 @@ std::u16string NSDateFormatter::stringFromDate(const NSDate& date) const {
 std::optional<NSDate> NSDateFormatter::dateFromString(std::u16string_view text) const {
     if (pattern_->items.empty() || text.size() > kMaximumUnits) return std::nullopt;
     const Parts parts{pattern_, locale(), timeZone()};
+    if (pattern_->isFixedWidth && namesOf(parts.locale).hasAsciiDigits()) {
+        if (const auto date = dateOfFixedWidth(*pattern_, text, parts.zone.rules())) return date;
+    }
     const IcuFormat& made = icuFormat(parts);
     if (U_FAILURE(made.status)) return std::nullopt;
     const std::unique_ptr<icu::Calendar> calendar(made.calendar.clone());

@@ -264,6 +264,54 @@ TEST(NSDateFormatterReading, SkippedTimesAndDaysWithoutMidnightAreNotRead) {
     EXPECT_TRUE(brazil.dateFromString(u"05/11/2018"));
 }
 
+/// What ICU itself reads, with what the formatter promises beside it: the whole text, and the year 2000.
+std::optional<NSDate> icuDate(std::u16string_view pattern, std::u16string_view locale, const NSTimeZone& inZone,
+                              std::u16string_view text) {
+    const icu::Locale icuLocale(utf8(locale).c_str());
+    UErrorCode status = U_ZERO_ERROR;
+    icu::SimpleDateFormat format(icu::UnicodeString(pattern.data(), static_cast<std::int32_t>(pattern.size())),
+                                 icuLocale, status);
+    format.setTimeZone(*inZone.rules().icuZone);
+    format.setLenient(false);
+    icu::GregorianCalendar calendar(inZone.rules().icuZone->clone(), icuLocale, status);
+    calendar.setLenient(false);
+    calendar.setRepeatedWallTimeOption(UCAL_WALLTIME_FIRST);
+    calendar.clear();
+    calendar.set(UCAL_YEAR, 2000);
+    icu::ParsePosition position;
+    format.parse(icu::UnicodeString(text.data(), static_cast<std::int32_t>(text.size())), calendar, position);
+    const double time = calendar.getTime(status);
+    const bool isWhole = position.getIndex() == static_cast<std::int32_t>(text.size());
+    return isWhole && U_SUCCESS(status) ? std::optional(NSDate::since1970(time / 1000)) : std::nullopt;
+}
+
+TEST(NSDateFormatterReading, NumbersAreReadAsIcuReadsThem) {
+    std::mt19937_64 random(6106);
+    for (const std::u16string_view pattern :
+         {u"dd/MM/yyyy", u"ddMMyyyy", u"yyyy-MM-dd", u"yyyyMMddHHmmss", u"dd.MM.yyyy HH:mm", u"HH:mm:ss", u"MM yyyy",
+          u"yyyy-MM-dd'T'HH:mm:ss.SSS", u"yyyy-MM-dd'T'HH:mm:ss.SSSZ", u"HH'h'mm,ss"}) {
+        for (const std::u16string_view inZone : {u"Europe/Brussels", u"America/Sao_Paulo", u"Australia/Lord_Howe"}) {
+            const NSDateFormatter tested = formatter(pattern, u"nl_BE", inZone);
+            for (int i = 0; i < 120; ++i) {
+                const double seconds = std::floor(std::uniform_real_distribution<double>(-1.3e10, 5e9)(random));
+                std::u16string text =
+                    tested.stringFromDate(NSDate::since1970(seconds + static_cast<double>(random() % 1000) / 1000));
+                // Some with other digits, so that fields leave their range.
+                for (std::size_t changes = random() % 3; changes > 0; --changes) {
+                    char16_t& unit = text[random() % text.size()];
+                    if (unit >= u'0' && unit <= u'9') unit = static_cast<char16_t>(u'0' + random() % 10);
+                }
+                const auto read = tested.dateFromString(text);
+                const auto expected = icuDate(pattern, u"nl_BE", zone(inZone), text);
+                ASSERT_EQ(read.has_value(), expected.has_value()) << utf8(pattern) << ' ' << utf8(text);
+                if (!read) continue;
+                EXPECT_NEAR(read->timeIntervalSince1970(), expected->timeIntervalSince1970(), 1e-5)
+                    << utf8(pattern) << ' ' << utf8(text);
+            }
+        }
+    }
+}
+
 TEST(NSDateFormatterReading, LongTextsAndMissingPatternsGiveNothing) {
     EXPECT_EQ(formatter(u"").dateFromString(u""), std::nullopt);
     EXPECT_EQ(NSDateFormatter().dateFromString(u"05/03/2018"), std::nullopt);

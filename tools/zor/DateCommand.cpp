@@ -1,0 +1,274 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Dates without a time of day. They are read, moved and shown in UTC, so that no time zone can change them; only what
+// day it is today depends on one.
+
+#include <tools/zor/CommandTables.h>
+
+#include <tools/zor/FilterArguments.h>
+#include <tools/zor/Records.h>
+#include <tools/zor/filter/Output.h>
+
+#include <ZORFoundation/DateAdditions.h>
+#include <ZORFoundation/DateExtension.h>
+#include <ZORFoundation/ZORDateFormatters.h>
+#include <ZORPlatform/Foundation/HostEnvironment.h>
+#include <ZORPlatform/Foundation/NSCalendar.h>
+#include <ZORPlatform/Foundation/NSString.h>
+#include <ZORPlatform/Foundation/NSTimeZone.h>
+#include <ZORPlatform/Foundation/Utf.h>
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+
+namespace zor {
+
+using namespace ZORFoundation;
+
+struct DateStyle {
+    std::string_view name;
+    std::u16string (*text)(const NSDate& date, std::u16string_view locale);
+};
+
+namespace {
+
+using ZORPlatform::HostEnvironment;
+using ZORPlatform::NSCalendar;
+using ZORPlatform::NSTimeZone;
+using ZORPlatform::utf16;
+using ZORPlatform::utf8;
+
+// ---- Styles --------------------------------------------------------------------------------------------------------
+
+constexpr std::u16string_view kIsoPattern = u"yyyy-MM-dd";
+
+struct ReadStyle {
+    std::string_view name;
+    std::u16string_view pattern;
+};
+
+constexpr std::array kReadStyles{ReadStyle{"iso", kIsoPattern}, ReadStyle{"numeric", u"dd/MM/yyyy"},
+                                 ReadStyle{"compact", u"ddMMyyyy"}};
+
+NSDateFormatter formatter(std::u16string_view pattern) {
+    NSDateFormatter result;
+    result.setDateFormat(pattern);
+    result.setLocale(NSLocale(u"en_US_POSIX"));
+    result.setTimeZone(*NSTimeZone::timeZoneWithName(u"UTC"));
+    return result;
+}
+
+template <NSDateFormatter (*Factory)(const NSLocale&)>
+std::u16string fixed(const NSDate& date, std::u16string_view locale) {
+    return Factory(NSLocale(locale)).stringFromDate(date);
+}
+
+template <bool kIncludesDayOfWeek, bool kExcludeYear>
+std::u16string full(const NSDate& date, std::u16string_view locale) {
+    return ZORDateFormatters::zor_fullDateFormatterWithLocale(NSLocale(locale), kIncludesDayOfWeek, kExcludeYear)
+        .stringFromDate(date);
+}
+
+std::u16string iso(const NSDate& date, std::u16string_view) { return formatter(kIsoPattern).stringFromDate(date); }
+
+constexpr std::array kStyles{
+    DateStyle{"iso", iso},
+    DateStyle{"numeric", fixed<ZORDateFormatters::zor_ddMMyyyyDateFormatterWithLocale>},
+    DateStyle{"compact", fixed<ZORDateFormatters::zor_ddMMyyyyConstrainedDateFormatterWithLocale>},
+    DateStyle{"full", full<true, false>},
+    DateStyle{"full-no-year", full<true, true>},
+    DateStyle{"no-weekday", full<false, false>},
+    DateStyle{"day-month", full<false, true>},
+    DateStyle{"short", DateExtension::shortFormatWithLocale},
+    DateStyle{"medium", DateExtension::mediumFormatWithLocale},
+    DateStyle{"long", DateExtension::longFormatWithLocale},
+    DateStyle{"long-month", DateExtension::longFormatNoDayFullMonthWithLocale},
+};
+
+std::u16string shown(const NSDate& date, const KindSettings& settings) {
+    const DateSettings& dates = settings.dates;
+    const std::u16string locale = utf16(settings.locale);
+    if (!dates.dateTemplate.empty()) return DateExtension::formatWithTemplate(date, dates.dateTemplate, locale);
+    return (dates.style == nullptr ? kStyles.front() : *dates.style).text(date, locale);
+}
+
+// ---- Dates as records ----------------------------------------------------------------------------------------------
+
+bool isDigit(char16_t unit) { return unit >= u'0' && unit <= u'9'; }
+bool isField(char16_t unit) { return unit >= u'A' && unit <= u'z'; }
+
+Explanation broken(BrokenRule rule, std::size_t position) {
+    // All that stands before it are digits and separators.
+    return {.rule = rule, .position = position, .character = position, .found = 0, .expected = 0};
+}
+
+/// What keeps a text from having the form of a pattern, digit by digit.
+Explanation explainForm(std::u16string_view text, std::u16string_view pattern) {
+    for (std::size_t i = 0; i < pattern.size(); ++i) {
+        if (i == text.size()) return broken(text.empty() ? BrokenRule::empty : BrokenRule::incomplete, i);
+        const bool fits = isField(pattern[i]) ? isDigit(text[i]) : text[i] == pattern[i];
+        if (!fits) return broken(BrokenRule::unexpectedCharacter, i);
+    }
+    return text.size() > pattern.size() ? broken(BrokenRule::unexpectedCharacter, pattern.size()) : Explanation();
+}
+
+std::optional<NSDate> dateOf(std::u16string_view text, const KindSettings& settings) {
+    if (!explainForm(text, settings.dates.read).isValid()) return std::nullopt;
+    return formatter(settings.dates.read).dateFromString(text);
+}
+
+bool check(std::u16string_view text, const KindSettings& settings) { return dateOf(text, settings).has_value(); }
+
+Explanation explain(std::u16string_view text, const KindSettings& settings) {
+    const Explanation form = explainForm(text, settings.dates.read);
+    if (!form.isValid() || check(text, settings)) return form;
+    // There is no such day in its month, or no such month.
+    return broken(BrokenRule::unexpectedCharacter, settings.dates.read.find(u'd'));
+}
+
+std::u16string normalize(std::u16string_view text, const KindSettings& settings) {
+    const auto date = dateOf(text, settings);
+    return date ? iso(*date, {}) : std::u16string();
+}
+
+std::u16string format(std::u16string_view text, const KindSettings& settings) {
+    const auto date = dateOf(text, settings);
+    return date ? shown(*date, settings) : std::u16string();
+}
+
+std::u16string add(std::u16string_view text, const KindSettings& settings) {
+    const auto date = dateOf(text, settings);
+    if (!date) return {};
+    const DateSettings& dates = settings.dates;
+    const auto moved = NSCalendar::currentCalendar().dateByAddingComponents(
+        {.year = dates.years, .month = dates.months, .day = dates.days}, *date);
+    return moved ? shown(*moved, settings) : std::u16string();
+}
+
+std::u16string years(std::u16string_view text, const KindSettings& settings) {
+    const auto date = dateOf(text, settings);
+    if (!date) return {};
+    return ZORPlatform::decimalText(ZORAdditions::zor_yearsFromDate(*date, settings.dates.today));
+}
+
+// ---- Options -------------------------------------------------------------------------------------------------------
+
+constexpr KindOption kRead{"--read", "STYLE", "how dates are written: iso (default), numeric, compact",
+                           [](KindSettings& settings, std::string_view value) {
+                               const auto found = std::find_if(kReadStyles.begin(), kReadStyles.end(),
+                                                               [&](const ReadStyle& s) { return s.name == value; });
+                               if (found == kReadStyles.end()) return false;
+                               settings.dates.read = found->pattern;
+                               return true;
+                           }};
+constexpr KindOption kStyle{"--style", "STYLE", "how they are shown: iso (default), and others",
+                            [](KindSettings& settings, std::string_view value) {
+                                const auto found = std::find_if(kStyles.begin(), kStyles.end(),
+                                                                [&](const DateStyle& s) { return s.name == value; });
+                                settings.dates.style = found == kStyles.end() ? nullptr : &*found;
+                                return settings.dates.style != nullptr;
+                            }};
+constexpr KindOption kTemplate{"--template", "FIELDS", "shows these fields in the order of the locale",
+                               [](KindSettings& settings, std::string_view value) {
+                                   settings.dates.dateTemplate = utf16(value);
+                                   return NSDateFormatter::dateFormatFromTemplate(settings.dates.dateTemplate,
+                                                                                  NSLocale(u"en_US_POSIX"))
+                                       .has_value();
+                               }};
+constexpr KindOption kLocale{"--locale", "LOCALE", "whose names and order: nl_BE unless told",
+                             [](KindSettings& settings, std::string_view value) {
+                                 settings.locale = value;
+                                 return !value.empty();
+                             }};
+
+template <std::int64_t DateSettings::*Length>
+bool setLength(KindSettings& settings, std::string_view value) {
+    const auto number = ZORPlatform::wholeInteger(utf16(value));
+    settings.dates.*Length = number.value_or(0);
+    return number.has_value();
+}
+constexpr KindOption kDays{"--days", "N", "add: so many days, back where negative", setLength<&DateSettings::days>};
+constexpr KindOption kMonths{"--months", "N", "add: so many months", setLength<&DateSettings::months>};
+constexpr KindOption kYears{"--years", "N", "add: so many years", setLength<&DateSettings::years>};
+
+constexpr KindOption kToday{"--today", "YYYY-MM-DD", "today, years: the day that counts as today",
+                            [](KindSettings& settings, std::string_view value) {
+                                const auto date = dateOf(utf16(value), KindSettings());
+                                settings.dates.today = date.value_or(NSDate());
+                                return date.has_value();
+                            }};
+constexpr KindOption kZone{"--zone", "ZONE", "today, years: where it is today (default: here)",
+                           [](KindSettings&, std::string_view value) {
+                               return NSTimeZone::timeZoneWithName(utf16(value)).has_value();
+                           }};
+
+constexpr auto row(const KindOption& option) { return Option{option.name, option.placeholder, option.help}; }
+constexpr std::array kRows{row(kRead), row(kStyle),  row(kTemplate), row(kLocale), row(kDays),
+                           row(kMonths), row(kYears), row(kToday),    row(kZone)};
+
+std::string_view complaint(const KindSettings& settings) {
+    const bool isEither = settings.dates.style == nullptr || settings.dates.dateTemplate.empty();
+    return isEither ? "" : "--style or --template, not both";
+}
+
+// ---- Actions -------------------------------------------------------------------------------------------------------
+
+constexpr std::array kTodayOptions{&kStyle, &kTemplate, &kLocale, &kToday, &kZone};
+constexpr std::array kFormatOptions{&kRead, &kStyle, &kTemplate, &kLocale};
+constexpr std::array kAddOptions{&kRead, &kStyle, &kTemplate, &kLocale, &kDays, &kMonths, &kYears};
+constexpr std::array kYearsOptions{&kRead, &kToday, &kZone};
+
+constexpr Kind kTodayKind{"date today", "today's date", check, explain, normalize, format, kTodayOptions,
+                          "character",  complaint};
+constexpr std::array kRecordKinds{
+    Kind{"date format", "dates as people read them", check, explain, normalize, format, kFormatOptions, "character",
+         complaint},
+    Kind{"date add", "dates moved by days, months and years", check, explain, normalize, add, kAddOptions, "character",
+         complaint},
+    Kind{"date years", "whole years until today", check, explain, normalize, years, kYearsOptions},
+};
+
+/// Midnight UTC of the day that it is in a zone.
+NSDate todayIn(const NSTimeZone& zone) {
+    const NSCalendar there(NSLocale(u"en_US_POSIX"), zone);
+    NSDateComponents day =
+        there.components(NSCalendarUnit::year | NSCalendarUnit::month | NSCalendarUnit::day, NSDate::date());
+    day.timeZone = NSTimeZone::timeZoneWithName(u"UTC");
+    return there.dateFromComponents(day).value_or(NSDate());
+}
+
+/// Sets the day that counts as today where no option says it, and then works in UTC.
+void settle(KindSettings& settings, const Arguments& arguments) {
+    if (!arguments.has(kToday.name)) {
+        const auto named = arguments.value(kZone.name);
+        const auto zone = named ? NSTimeZone::timeZoneWithName(utf16(*named)) : std::nullopt;
+        settings.dates.today = todayIn(zone ? *zone : NSTimeZone::localTimeZone());
+    }
+    HostEnvironment::setTimeZoneIdentifier(u"UTC");
+}
+
+ExitCode printToday(const Arguments& arguments) {
+    if (arguments.words.size() > 1) throw UsageError("date today: takes no value");
+    refuseFilterOptions(kTodayKind, arguments);
+    KindSettings settings = kindSettings(kTodayKind, arguments);
+    settle(settings, arguments);
+    writeAll(STDOUT_FILENO, utf8(shown(settings.dates.today, settings)) + "\n");
+    return ExitCode::success;
+}
+
+ExitCode run(const Arguments& arguments) {
+    const std::string name = "date " + (arguments.words.empty() ? std::string() : arguments.words.front());
+    if (name == kTodayKind.name) return printToday(arguments);
+    const auto kind =
+        std::find_if(kRecordKinds.begin(), kRecordKinds.end(), [&](const Kind& known) { return known.name == name; });
+    if (kind == kRecordKinds.end()) throw UsageError("date: today, format, add or years is needed");
+    return answerRecords(*kind, arguments, Answer::format, "formatted", settle);
+}
+
+}  // namespace
+
+const Command kDateCommand{"date", "ACTION [DATE...]", "today, and dates shown, moved, counted", kRows, false, run, true};
+
+}  // namespace zor
