@@ -2,6 +2,7 @@
 #include <tools/zor/Command.h>
 
 #include <tools/zor/ArgumentParser.h>
+#include <tools/zor/FilterArguments.h>
 #include <tools/zor/Help.h>
 #include <tools/zor/Kind.h>
 #include <tools/zor/filter/Output.h>
@@ -32,6 +33,10 @@ ExitCode runProgramOptions(std::span<char* const> words) {
 std::vector<Option> acceptedOptions(const Command& command) {
     std::vector<Option> options(command.options.begin(), command.options.end());
     options.push_back(kHelp);
+    if (command.takesFilterOptions) {
+        const std::span<const Option> rows = filterOptionRows();
+        options.insert(options.end(), rows.begin(), rows.end());
+    }
     if (!command.takesKindOptions) return options;
     for (const KindGroup* group : kindGroups()) {
         for (const Kind& kind : group->kinds) {

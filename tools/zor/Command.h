@@ -49,6 +49,7 @@ struct Command {
     std::span<const Option> options;
     bool takesKindOptions;  ///< Options of kinds are options of the command.
     ExitCode (*run)(const Arguments& arguments);
+    bool takesFilterOptions = false;  ///< Options of the filter are options of the command, beside its own.
 };
 
 /// The commands of this program, in the order in which help shows them.

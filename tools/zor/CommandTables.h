@@ -12,6 +12,9 @@ extern const Command kCheckCommand;
 extern const Command kFormatCommand;
 extern const Command kExplainCommand;
 
+// Dates without a time of day: today's, and the filter for others.
+extern const Command kDateCommand;
+
 // The short code by which a user can name an error.
 extern const Command kErrorCodeCommand;
 

@@ -14,7 +14,6 @@
 #include <ZORFoundation/ZORDateFormatters.h>
 #include <ZORPlatform/Foundation/HostEnvironment.h>
 #include <ZORPlatform/Foundation/NSCalendar.h>
-#include <ZORPlatform/Foundation/NSString.h>
 #include <ZORPlatform/Foundation/NSTimeZone.h>
 #include <ZORPlatform/Foundation/Utf.h>
 
@@ -22,6 +21,7 @@
 
 #include <algorithm>
 #include <array>
+#include <charconv>
 
 namespace zor {
 
@@ -150,33 +150,40 @@ std::u16string add(std::u16string_view text, const KindSettings& settings) {
 std::u16string years(std::u16string_view text, const KindSettings& settings) {
     const auto date = dateOf(text, settings);
     if (!date) return {};
-    return ZORPlatform::decimalText(ZORAdditions::zor_yearsFromDate(*date, settings.dates.today));
+    return utf16(std::to_string(ZORAdditions::zor_yearsFromDate(*date, settings.dates.today)));
 }
 
 // ---- Options -------------------------------------------------------------------------------------------------------
 
-constexpr KindOption kRead{"--read", "STYLE", "how dates are written: iso (default), numeric, compact",
+/// The row of that name.
+template <typename Rows>
+const auto& named(std::string_view option, const Rows& rows, std::string_view name) {
+    const auto found = std::find_if(rows.begin(), rows.end(), [&](const auto& row) { return row.name == name; });
+    if (found != rows.end()) return *found;
+    std::string names;
+    for (const auto& row : rows) names.append(names.empty() ? "" : ", ").append(row.name);
+    throw UsageError(std::string(option).append(": one of these is needed: ").append(names));
+}
+
+constexpr KindOption kRead{"--read", "STYLE", "how they are written: iso (default), numeric, compact",
                            [](KindSettings& settings, std::string_view value) {
-                               const auto found = std::find_if(kReadStyles.begin(), kReadStyles.end(),
-                                                               [&](const ReadStyle& s) { return s.name == value; });
-                               if (found == kReadStyles.end()) return false;
-                               settings.dates.read = found->pattern;
+                               settings.dates.read = named("--read", kReadStyles, value).pattern;
                                return true;
                            }};
-constexpr KindOption kStyle{"--style", "STYLE", "how they are shown: iso (default), and others",
+constexpr KindOption kStyle{"--style", "STYLE", "how they are shown: iso (default), numeric, full, ...",
                             [](KindSettings& settings, std::string_view value) {
-                                const auto found = std::find_if(kStyles.begin(), kStyles.end(),
-                                                                [&](const DateStyle& s) { return s.name == value; });
-                                settings.dates.style = found == kStyles.end() ? nullptr : &*found;
-                                return settings.dates.style != nullptr;
+                                settings.dates.style = &named("--style", kStyles, value);
+                                return true;
                             }};
-constexpr KindOption kTemplate{"--template", "FIELDS", "shows these fields in the order of the locale",
-                               [](KindSettings& settings, std::string_view value) {
-                                   settings.dates.dateTemplate = utf16(value);
-                                   return NSDateFormatter::dateFormatFromTemplate(settings.dates.dateTemplate,
-                                                                                  NSLocale(u"en_US_POSIX"))
-                                       .has_value();
-                               }};
+constexpr KindOption kTemplate{
+    "--template", "FIELDS", "shows these fields in the order of the locale",
+    [](KindSettings& settings, std::string_view value) {
+        settings.dates.dateTemplate = utf16(value);
+        if (NSDateFormatter::dateFormatFromTemplate(settings.dates.dateTemplate, NSLocale(u"en_US_POSIX"))) {
+            return true;
+        }
+        throw UsageError("--template: fields such as yMMMd are needed");
+    }};
 constexpr KindOption kLocale{"--locale", "LOCALE", "whose names and order: nl_BE unless told",
                              [](KindSettings& settings, std::string_view value) {
                                  settings.locale = value;
@@ -185,9 +192,11 @@ constexpr KindOption kLocale{"--locale", "LOCALE", "whose names and order: nl_BE
 
 template <std::int64_t DateSettings::*Length>
 bool setLength(KindSettings& settings, std::string_view value) {
-    const auto number = ZORPlatform::wholeInteger(utf16(value));
-    settings.dates.*Length = number.value_or(0);
-    return number.has_value();
+    const auto read = std::from_chars(value.data(), value.data() + value.size(), settings.dates.*Length);
+    if (read.ec != std::errc{} || read.ptr != value.data() + value.size()) {
+        throw UsageError("--days, --months, --years: a whole number of 64 bits is needed");
+    }
+    return true;
 }
 constexpr KindOption kDays{"--days", "N", "add: so many days, back where negative", setLength<&DateSettings::days>};
 constexpr KindOption kMonths{"--months", "N", "add: so many months", setLength<&DateSettings::months>};
@@ -196,16 +205,18 @@ constexpr KindOption kYears{"--years", "N", "add: so many years", setLength<&Dat
 constexpr KindOption kToday{"--today", "YYYY-MM-DD", "today, years: the day that counts as today",
                             [](KindSettings& settings, std::string_view value) {
                                 const auto date = dateOf(utf16(value), KindSettings());
-                                settings.dates.today = date.value_or(NSDate());
-                                return date.has_value();
+                                if (!date) throw UsageError("--today: a date such as 2018-03-05 is needed");
+                                settings.dates.today = *date;
+                                return true;
                             }};
 constexpr KindOption kZone{"--zone", "ZONE", "today, years: where it is today (default: here)",
                            [](KindSettings&, std::string_view value) {
-                               return NSTimeZone::timeZoneWithName(utf16(value)).has_value();
+                               if (NSTimeZone::timeZoneWithName(utf16(value))) return true;
+                               throw UsageError("--zone: a name such as Europe/Brussels is needed");
                            }};
 
 constexpr auto row(const KindOption& option) { return Option{option.name, option.placeholder, option.help}; }
-constexpr std::array kRows{row(kRead), row(kStyle),  row(kTemplate), row(kLocale), row(kDays),
+constexpr std::array kRows{row(kRead),   row(kStyle), row(kTemplate), row(kLocale), row(kDays),
                            row(kMonths), row(kYears), row(kToday),    row(kZone)};
 
 std::string_view complaint(const KindSettings& settings) {
@@ -220,8 +231,8 @@ constexpr std::array kFormatOptions{&kRead, &kStyle, &kTemplate, &kLocale};
 constexpr std::array kAddOptions{&kRead, &kStyle, &kTemplate, &kLocale, &kDays, &kMonths, &kYears};
 constexpr std::array kYearsOptions{&kRead, &kToday, &kZone};
 
-constexpr Kind kTodayKind{"date today", "today's date", check, explain, normalize, format, kTodayOptions,
-                          "character",  complaint};
+constexpr Kind kTodayKind{"date today", "today's date", check,       explain,  normalize,
+                          format,       kTodayOptions,  "character", complaint};
 constexpr std::array kRecordKinds{
     Kind{"date format", "dates as people read them", check, explain, normalize, format, kFormatOptions, "character",
          complaint},
@@ -242,8 +253,8 @@ NSDate todayIn(const NSTimeZone& zone) {
 /// Sets the day that counts as today where no option says it, and then works in UTC.
 void settle(KindSettings& settings, const Arguments& arguments) {
     if (!arguments.has(kToday.name)) {
-        const auto named = arguments.value(kZone.name);
-        const auto zone = named ? NSTimeZone::timeZoneWithName(utf16(*named)) : std::nullopt;
+        const auto zoneName = arguments.value(kZone.name);
+        const auto zone = zoneName ? NSTimeZone::timeZoneWithName(utf16(*zoneName)) : std::nullopt;
         settings.dates.today = todayIn(zone ? *zone : NSTimeZone::localTimeZone());
     }
     HostEnvironment::setTimeZoneIdentifier(u"UTC");
@@ -251,7 +262,7 @@ void settle(KindSettings& settings, const Arguments& arguments) {
 
 ExitCode printToday(const Arguments& arguments) {
     if (arguments.words.size() > 1) throw UsageError("date today: takes no value");
-    refuseFilterOptions(kTodayKind, arguments);
+    refuseFilterOptions(arguments);
     KindSettings settings = kindSettings(kTodayKind, arguments);
     settle(settings, arguments);
     writeAll(STDOUT_FILENO, utf8(shown(settings.dates.today, settings)) + "\n");
@@ -269,6 +280,7 @@ ExitCode run(const Arguments& arguments) {
 
 }  // namespace
 
-const Command kDateCommand{"date", "ACTION [DATE...]", "today, and dates shown, moved, counted", kRows, false, run, true};
+const Command kDateCommand{"date", "ACTION [DATE...]", "today, and dates shown, moved, counted", kRows, false, run,
+                           true};
 
 }  // namespace zor

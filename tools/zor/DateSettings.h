@@ -16,7 +16,7 @@ struct DateStyle;
 struct DateSettings {
     std::u16string_view read = u"yyyy-MM-dd";  ///< The pattern that dates are written by.
     const DateStyle* style = nullptr;          ///< How dates are shown: null for that of ISO 8601.
-    std::u16string dateTemplate{};             ///< Fields to show in the order of a locale; empty where none were asked for.
+    std::u16string dateTemplate{};  ///< Fields to show in the order of a locale; empty where none were asked for.
     std::int64_t days = 0;
     std::int64_t months = 0;
     std::int64_t years = 0;

@@ -178,12 +178,15 @@ FilterOptions filterOptions(const Kind& kind, const Arguments& arguments, std::s
 KindSettings kindSettings(const Kind& kind, const Arguments& arguments) {
     KindSettings settings;
     for (const auto& [name, value] : arguments.options()) {
-        const KindOption* option = findKindOption(name);
-        if (option == nullptr) continue;
-        if (std::find(kind.options.begin(), kind.options.end(), option) == kind.options.end()) {
-            throw UsageError(std::string(option->name).append(": not an option of ").append(kind.name));
+        const auto own = std::find_if(kind.options.begin(), kind.options.end(),
+                                      [named = name](const KindOption* option) { return option->name == named; });
+        if (own != kind.options.end()) {
+            if (!(*own)->set(settings, value)) throw badValue(name);
+            continue;
         }
-        if (!option->set(settings, value)) throw badValue(option->name);
+        const bool isFilters =
+            std::any_of(kRows.begin(), kRows.end(), [named = name](const Option& row) { return row.name == named; });
+        if (!isFilters) throw UsageError(std::string(name).append(": not an option of ").append(kind.name));
     }
     const std::string_view complaint = kind.complaint == nullptr ? "" : kind.complaint(settings);
     if (!complaint.empty()) throw UsageError(std::string(kind.name).append(": ").append(complaint));

@@ -94,6 +94,7 @@ std::string commandHelp(const Command& command) {
         appendWords(text, "Of single kinds:", spellings);
         text.append("See also zor ").append(command.name).append(" KIND --help.\n");
     }
+    if (command.takesFilterOptions) text.append("As a filter also the options of zor format --help.\n");
     return text;
 }
 

@@ -12,15 +12,4 @@ const Kind* findKind(std::string_view name) {
     return nullptr;
 }
 
-const KindOption* findKindOption(std::string_view name) {
-    for (const KindGroup* group : kindGroups()) {
-        for (const Kind& kind : group->kinds) {
-            for (const KindOption* option : kind.options) {
-                if (option->name == name) return option;
-            }
-        }
-    }
-    return nullptr;
-}
-
 }  // namespace zor

@@ -3,6 +3,8 @@
 
 // What the command can check, explain and format: one row a kind, one source file a group of kinds.
 
+#include <tools/zor/DateSettings.h>
+
 #include <ZORFoundation/Explanation.h>
 #include <ZORFoundation/Validation/InputValidator.h>
 
@@ -21,6 +23,7 @@ struct KindSettings {
     std::u16string pattern{};                                ///< Into which a value is laid.
     std::u16string slot = u"X";                              ///< The character of the pattern that marks a slot.
     std::u16string token{};                                  ///< What follows a telephone link.
+    DateSettings dates{};                                    ///< Of dates.
 };
 
 /// An option that only some kinds take.
@@ -66,8 +69,5 @@ struct KindGroup {
 
 /// The kind of that name, or null.
 [[nodiscard]] const Kind* findKind(std::string_view name);
-
-/// Whether an option of that name belongs to some kind; null otherwise.
-[[nodiscard]] const KindOption* findKindOption(std::string_view name);
 
 }  // namespace zor

@@ -3,12 +3,7 @@
 
 #include <tools/zor/FilterArguments.h>
 #include <tools/zor/Kind.h>
-#include <tools/zor/SingleValues.h>
-#include <tools/zor/filter/Filter.h>
-
-#include <unistd.h>
-
-#include <cstdlib>
+#include <tools/zor/Records.h>
 
 namespace zor {
 namespace {
@@ -20,32 +15,12 @@ const Kind& kindOf(const Arguments& arguments) {
     return *kind;
 }
 
-// Whatever the environment says, to the command or to a library, the same input gives the same output.
-void ignoreEnvironment() { ::clearenv(); }
-
-ExitCode filter(const Kind& kind, const Arguments& arguments, std::string_view emitted) {
-    const FilterOptions options = filterOptions(kind, arguments, emitted);
-    ignoreEnvironment();
-    if (::isatty(STDIN_FILENO) == 1) {
-        writeAll(STDERR_FILENO, "zor: one record a line from the terminal; Ctrl-D ends\n");
-    }
-    return runFilter(options, STDIN_FILENO, STDOUT_FILENO);
-}
-
 ExitCode run(const Arguments& arguments, Answer answer, std::string_view emitted) {
     const Kind& kind = kindOf(arguments);
     if (answer != Answer::format && kind.check == nullptr) {
         throw UsageError(std::string(kind.name) + ": can only be formatted");
     }
-    if (arguments.words.size() == 1) return filter(kind, arguments, emitted);
-    for (const auto& given : arguments.options()) {
-        if (findKindOption(given.first) == nullptr) {
-            throw UsageError(std::string(given.first) + ": an option of the filter, which takes no value");
-        }
-    }
-    ignoreEnvironment();
-    const std::span<const std::string> values(arguments.words.begin() + 1, arguments.words.end());
-    return answerValues(kind, kindSettings(kind, arguments), answer, values);
+    return answerRecords(kind, arguments, answer, emitted);
 }
 
 ExitCode check(const Arguments& arguments) { return run(arguments, Answer::check, "verdict"); }

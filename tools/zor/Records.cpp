@@ -14,11 +14,13 @@
 namespace zor {
 namespace {
 
+// Whatever the environment says, to the command or to a library, the same input gives the same output.
+void ignoreEnvironment() { ::clearenv(); }
+
 ExitCode filter(const Kind& kind, const Arguments& arguments, std::string_view emitted, Settle settle) {
     FilterOptions options = filterOptions(kind, arguments, emitted);
     if (settle != nullptr) settle(options.settings, arguments);
-    // Whatever the environment holds, here or in a library, the same input gives the same output.
-    ::clearenv();
+    ignoreEnvironment();
     if (::isatty(STDIN_FILENO) == 1) {
         writeAll(STDERR_FILENO, "zor: one record a line from the terminal; Ctrl-D ends\n");
     }
@@ -30,13 +32,14 @@ ExitCode filter(const Kind& kind, const Arguments& arguments, std::string_view e
 ExitCode answerRecords(const Kind& kind, const Arguments& arguments, Answer answer, std::string_view emitted,
                        Settle settle) {
     if (arguments.words.size() == 1) return filter(kind, arguments, emitted, settle);
-    refuseFilterOptions(kind, arguments);
+    refuseFilterOptions(arguments);
     KindSettings settings = kindSettings(kind, arguments);
     if (settle != nullptr) settle(settings, arguments);
+    ignoreEnvironment();
     return answerValues(kind, settings, answer, std::span(arguments.words).subspan(1));
 }
 
-void refuseFilterOptions(const Kind& kind, const Arguments& arguments) {
+void refuseFilterOptions(const Arguments& arguments) {
     const std::span<const Option> rows = filterOptionRows();
     for (const auto& given : arguments.options()) {
         const bool isFilters =
@@ -45,7 +48,6 @@ void refuseFilterOptions(const Kind& kind, const Arguments& arguments) {
             throw UsageError(std::string(given.first).append(": an option of the filter, which takes no value"));
         }
     }
-    (void)kind;
 }
 
 }  // namespace zor

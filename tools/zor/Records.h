@@ -24,6 +24,6 @@ using Settle = void (*)(KindSettings& settings, const Arguments& arguments);
                                      std::string_view emitted, Settle settle = nullptr);
 
 /// @throws UsageError for an option of the filter
-void refuseFilterOptions(const Kind& kind, const Arguments& arguments);
+void refuseFilterOptions(const Arguments& arguments);
 
 }  // namespace zor

@@ -49,6 +49,13 @@ expect_offers "verdict,reason,formatted verdict,reason,normalized verdict,reason
   zor check iban --emit = verdict,reason,
 expect_offers "absent" zor check iban --null = a
 expect_offers "hadoop" zor check iban --stats = h
+expect_offers "add" zor date a
+expect_offers "--stats= --style=" zor date format --st
+expect_offers "--style=" zor date today --st
+expect_offers "--days=" zor date add --d
+expect_offers "--today=" zor date years --t
+expect_offers "full full-no-year" zor date format --style = f
+expect_offers "iso" zor date add --read = i
 expect_offers "sha224 sha256" zor hash sha2
 expect_offers "sha1" zor hash sha1
 expect_offers "a key" zor hash sha1 a

@@ -47,10 +47,11 @@ _zor() {
     access-number amount email mobile-phone street house-number box-number postal-code belgian-postal-code name
     business-name text pin backend-text message"
   local displays="phone challenge login-code pattern"
-  local commands="check format explain error-code hash base64 encrypt decrypt settings keychain
+  local commands="check format explain date error-code hash base64 encrypt decrypt settings keychain
     watch exclude-from-backup"
   local filter_options="--format= --in= --out= --field= --key= --emit= --labels= --null= --sep= --flush=
     --chunk-header --max-record= --keep-cr --jobs= --stats= --fail-on-invalid --no-env --help"
+  local styles="iso numeric compact"
   local current=${COMP_WORDS[COMP_CWORD]} option=
   COMPREPLY=()
 
@@ -63,6 +64,9 @@ _zor() {
   case $option in
     --format | --in | --out) _zor_words "plain tsv tsv-raw csv jsonl" "$current"; return ;;
     --emit) _zor_list "verdict reason offset normalized formatted" "$current"; return ;;
+    --read) _zor_words "$styles" "$current"; return ;;
+    --style) _zor_words "$styles full full-no-year no-weekday day-month short medium long long-month" "$current"
+      return ;;
     --null) _zor_words "absent invalid" "$current"; return ;;
     --sep) _zor_words "tab comma semicolon" "$current"; return ;;
     --flush) _zor_words "drain line block" "$current"; return ;;
@@ -92,6 +96,18 @@ _zor() {
         _zor_words "$kinds" "$current"
       else
         _zor_words "$filter_options $(_zor_kind_options "${COMP_WORDS[2]-}")" "$current"
+        [[ ${COMPREPLY[0]-} == *= ]] && compopt -o nospace
+      fi
+      ;;
+    date)
+      local shown="--style= --template= --locale=" until="--today= --zone="
+      if [[ $COMP_CWORD -eq 2 ]]; then _zor_words "today format add years --help" "$current"; else
+        case ${COMP_WORDS[2]} in
+          today) _zor_words "$shown $until" "$current" ;;
+          format) _zor_words "--read= $shown $filter_options" "$current" ;;
+          add) _zor_words "--read= $shown --days= --months= --years= $filter_options" "$current" ;;
+          *) _zor_words "--read= $until $filter_options" "$current" ;;
+        esac
         [[ ${COMPREPLY[0]-} == *= ]] && compopt -o nospace
       fi
       ;;
