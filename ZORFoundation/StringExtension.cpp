@@ -7,6 +7,7 @@
 #include <ZORPlatform/Foundation/Precondition.h>
 #include <ZORPlatform/Foundation/StringSearch.h>
 #include <ZORPlatform/Foundation/Text.h>
+#include <ZORPlatform/Foundation/UnitScanInternal.h>
 
 #include <algorithm>
 
@@ -121,7 +122,8 @@ std::u16string removeConsecutiveSpaces(std::u16string_view text) {
     std::u16string result;
     result.reserve(text.size());
     std::size_t copied = 0;
-    for (std::size_t pair = text.find(u"  "); pair != std::u16string_view::npos; pair = text.find(u"  ", copied)) {
+    for (std::size_t pair = ZORPlatform::findUnitPair(text, u' ', 0); pair < text.size();
+         pair = ZORPlatform::findUnitPair(text, u' ', copied)) {
         result.append(text, copied, pair + 1 - copied);
         copied = std::min(text.find_first_not_of(u' ', pair), text.size());
     }

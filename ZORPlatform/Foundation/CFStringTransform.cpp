@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <ZORPlatform/Foundation/CFStringTransform.h>
 
+#include <ZORPlatform/Foundation/UnitScanInternal.h>
+
 #include <optional>
 
 namespace ZORPlatform {
@@ -34,7 +36,7 @@ std::u16string textFromHexJava(std::u16string_view text) {
     std::u16string result;
     result.reserve(text.size());
     std::size_t copied = 0;
-    for (std::size_t at = text.find(u'\\'); at != std::u16string_view::npos; at = text.find(u'\\', at)) {
+    for (std::size_t at = findUnit(text, u'\\', 0); at < text.size(); at = findUnit(text, u'\\', at)) {
         const std::optional<char16_t> unit = escapedUnit(text, at);
         if (!unit) {
             ++at;

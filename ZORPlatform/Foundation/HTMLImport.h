@@ -25,9 +25,9 @@ namespace ZORPlatform {
 /// - What is not displayed has no text: script, style, head, comments, hidden elements, fallbacks of media.
 ///
 /// @param markup  well-formed UTF-8; U+0000 is read as the HTML standard says
-/// @return absent when elements are nested more than 512 deep, when a tag has more than 512 attributes, when the
-///         document would take more than 200 times the memory of its markup and a megabyte, or parsing it more
-///         processor time than a second and five microseconds a byte
+/// @return absent when elements are nested more than 512 deep, formatting that is opened again and again included,
+///         when a tag has more than 512 attributes, when the document would take more than 200 times the memory of its
+///         markup and a megabyte, or parsing it more processor time than a second and five microseconds a byte
 ///
 /// Pure, in linear time.
 [[nodiscard]] std::optional<std::u16string> plainTextFromHTML(std::string_view markup);

@@ -5,6 +5,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <iterator>
 #include <vector>
 
 namespace ZORPlatform {
@@ -13,7 +14,7 @@ namespace {
 constexpr std::size_t kDeepest = 512;
 constexpr std::size_t kMostAttributes = 512;
 
-// A name in any case, as one number. Two names of one number would only make the guess worse.
+// A name or a tag, in any case, as one number. Two of one number would only make the guess worse.
 constexpr std::uint64_t nameHash(std::string_view name) noexcept {
     std::uint64_t hash = 0xCBF29CE484222325;
     for (const char c : name) {
@@ -123,7 +124,8 @@ constexpr std::uint64_t kUL = nameHash("ul");
 // The open elements, as the parser will have them. Where the two differ, here are more.
 class OpenElements {
 public:
-    [[nodiscard]] std::size_t depth() const noexcept { return open_.size(); }
+    /// How deep the next element may come to stand.
+    [[nodiscard]] std::size_t depth() const noexcept { return open_.size() + toReopen_.size(); }
 
     /// Whether the content is a drawing's or a formula's.
     [[nodiscard]] bool isForeign() const noexcept {
@@ -134,7 +136,7 @@ public:
         return false;
     }
 
-    void start(std::uint64_t name, unsigned traits, bool closesItself) {
+    void start(std::uint64_t name, unsigned traits, std::uint64_t text, bool closesItself) {
         if (isForeign()) {
             if ((traits & kBreaksOut) != 0) {
                 closeThrough([](const Element& element) { return (element.traits & kForeign) != 0; },
@@ -160,7 +162,7 @@ public:
             const Element& last = open_.back();
             if ((traits & last.traits & kHeading) != 0 || (name == kOption && last.name == kOption)) open_.pop_back();
         }
-        open_.push_back({name, traits});
+        open_.push_back({name, traits, text});
     }
 
     void end(std::uint64_t name, unsigned traits) {
@@ -189,6 +191,7 @@ private:
     struct Element {
         std::uint64_t name;
         unsigned traits;
+        std::uint64_t text;  // Of the whole tag.
     };
 
     static bool isScope(const Element& element) noexcept { return (element.traits & kScope) != 0; }
@@ -205,7 +208,12 @@ private:
     void closeThrough(Wanted isWanted, Barrier isBarrier) {
         for (std::size_t at = open_.size(); at-- > 0;) {
             if (isWanted(open_[at])) {
-                open_.resize(at);
+                const bool forgetsFormatting = isScope(open_[at]);
+                while (open_.size() > at + 1) {
+                    if ((open_.back().traits & kFormatting) != 0 && !forgetsFormatting) addToReopen(open_.back());
+                    open_.pop_back();
+                }
+                open_.pop_back();
                 return;
             }
             if (isBarrier(open_[at])) return;
@@ -218,13 +226,21 @@ private:
     }
 
     void removeInScope(std::uint64_t name) {
-        for (std::size_t at = open_.size(); at-- > 0;) {
-            if (open_[at].name == name) {
-                open_.erase(open_.begin() + static_cast<std::ptrdiff_t>(at));
-                return;
-            }
-            if (isScope(open_[at])) return;
+        const auto isWanted = [name](const Element& element) { return element.name == name; };
+        const auto open = std::find_if(open_.rbegin(), open_.rend(),
+                                       [&](const Element& element) { return isWanted(element) || isScope(element); });
+        if (open != open_.rend()) {
+            if (isWanted(*open)) open_.erase(std::next(open).base());
+            return;
         }
+        const auto toReopen = std::find_if(toReopen_.rbegin(), toReopen_.rend(), isWanted);
+        if (toReopen != toReopen_.rend()) toReopen_.erase(std::next(toReopen).base());
+    }
+
+    // Formatting that is closed with what it stands in is opened again in what comes next; of equal tags, three.
+    void addToReopen(const Element& element) {
+        const auto isSame = [&](const Element& other) { return other.text == element.text; };
+        if (std::count_if(toReopen_.begin(), toReopen_.end(), isSame) < 3) toReopen_.push_back(element);
     }
 
     void clearTable() {
@@ -238,6 +254,7 @@ private:
     }
 
     std::vector<Element> open_;
+    std::vector<Element> toReopen_;
 };
 
 constexpr bool isLetter(char c) noexcept { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); }
@@ -250,6 +267,7 @@ public:
 
     struct Tag {
         std::string_view name;
+        std::string_view text;  // From the name to behind the tag.
         bool isEnd = false;
         bool closesItself = false;
         std::size_t attributes = 0;
@@ -296,7 +314,7 @@ private:
     void readTag(Tag& tag, bool isEnd) {
         const std::size_t begin = at_;
         while (at_ < markup_.size() && !endsName(markup_[at_])) ++at_;
-        tag = {.name = markup_.substr(begin, at_ - begin), .isEnd = isEnd};
+        tag = {.name = markup_.substr(begin, at_ - begin), .text = {}, .isEnd = isEnd};
         while (at_ < markup_.size() && markup_[at_] != '>') {
             const char c = markup_[at_];
             tag.closesItself = c == '/';
@@ -308,6 +326,7 @@ private:
             }
         }
         if (at_ < markup_.size()) ++at_;
+        tag.text = markup_.substr(begin, at_ - begin);
     }
 
     void skipAttribute() {
@@ -377,7 +396,8 @@ bool isNestedTooDeep(std::string_view markup) {
         }
         const bool holdsText = (traits & kRawText) != 0 && !open.isForeign();
         if (name == kPlaintext) return false;
-        open.start(name, traits, tag.closesItself);
+        const bool isFormatting = (traits & kFormatting) != 0;
+        open.start(name, traits, isFormatting ? nameHash(tag.text) : 0, tag.closesItself);
         if (open.depth() > kDeepest) return true;
         if (holdsText) tags.skipText(name);
     }

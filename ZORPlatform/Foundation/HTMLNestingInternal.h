@@ -11,7 +11,8 @@ namespace ZORPlatform {
 /// Whether the markup nests elements more than 512 deep, or has a tag with more attributes than that.
 ///
 /// A guess from tags alone. It goes through the open elements as the HTML standard does, as far as that decides how
-/// many there are; elements whose end tag may be left out and that end one another do not count.
+/// many there are; elements whose end tag may be left out and that end one another do not count. Formatting that is
+/// closed with what it stands in, as in "<p><b></p>", counts: it is opened again in all that comes next.
 ///
 /// Pure, in linear time.
 [[nodiscard]] bool isNestedTooDeep(std::string_view markup);

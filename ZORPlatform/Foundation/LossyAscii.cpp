@@ -1,11 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <ZORPlatform/Foundation/LossyAscii.h>
 
+#include <ZORPlatform/Foundation/FourUnitsInternal.h>
 #include <ZORPlatform/Foundation/Text.h>
 
 #include <array>
-#include <cstdint>
-#include <cstring>
 
 namespace ZORPlatform {
 namespace {
@@ -97,7 +96,6 @@ std::size_t writeAscii(char16_t unit, char16_t* to) noexcept {
 
 std::u16string lossyAscii(std::u16string_view text) {
     constexpr std::size_t kWordUnits = 4;  // No unit becomes more than these.
-    constexpr std::uint64_t kNotAscii = 0xFF80'FF80'FF80'FF80;
     std::u16string result;
     result.reserve(text.size());
     std::array<char16_t, 1024> chunk;  // Only what is written is read.
@@ -105,10 +103,9 @@ std::u16string lossyAscii(std::u16string_view text) {
         std::size_t written = 0;
         while (at < text.size() && written + kWordUnits <= chunk.size()) {
             if (at + kWordUnits <= text.size()) {
-                std::uint64_t word = 0;
-                std::memcpy(&word, &text[at], sizeof word);
-                if ((word & kNotAscii) == 0) {
-                    std::memcpy(&chunk[written], &word, sizeof word);
+                const std::uint64_t word = fourUnits(&text[at]);
+                if (lanesFrom(word, 0x80) == 0) {
+                    storeFourUnits(word, &chunk[written]);
                     at += kWordUnits;
                     written += kWordUnits;
                     continue;

@@ -2,20 +2,16 @@
 #include <ZORPlatform/Foundation/Text.h>
 
 #include <ZORPlatform/Foundation/FourUnitsInternal.h>
-#include <ZORPlatform/Foundation/Precondition.h>
 
-#include <unicode/brkiter.h>
 #include <unicode/locid.h>
 #include <unicode/normalizer2.h>
 #include <unicode/uchar.h>
 #include <unicode/unistr.h>
 #include <unicode/ustring.h>
-#include <unicode/utext.h>
 
 #include <algorithm>
 #include <array>
 #include <cstdint>
-#include <memory>
 #include <new>
 
 namespace ZORPlatform {
@@ -29,44 +25,6 @@ constexpr std::array<char32_t, 68> kDecimalZeros = {
     0xFF10,  0x104A0, 0x10D30, 0x11066, 0x110F0, 0x11136, 0x111D0, 0x112F0, 0x11450, 0x114D0, 0x11650, 0x116C0,
     0x11730, 0x118E0, 0x11950, 0x11C50, 0x11D50, 0x11DA0, 0x11F50, 0x16A60, 0x16AC0, 0x16B50, 0x1D7CE, 0x1D7D8,
     0x1D7E2, 0x1D7EC, 0x1D7F6, 0x1E140, 0x1E2F0, 0x1E4F0, 0x1E950, 0x1FBF0};
-
-icu::BreakIterator& characterBreaks() {
-    thread_local const std::unique_ptr<icu::BreakIterator> iterator = [] {
-        UErrorCode status = U_ZERO_ERROR;
-        std::unique_ptr<icu::BreakIterator> made(
-            icu::BreakIterator::createCharacterInstance(icu::Locale::getRoot(), status));
-        if (U_FAILURE(status)) preconditionFailure("characterEnd: ICU's data for character boundaries is missing");
-        return made;
-    }();
-    return *iterator;
-}
-
-// The rules look at most at one character's own units once `begin` is a boundary, so the text before it is not
-// shown to ICU. Hence also: two lone regional indicators pair up from `begin` on, as they do from a boundary.
-std::size_t segmentedCharacterEnd(std::u16string_view text, std::size_t begin) {
-    const std::u16string_view rest = text.substr(begin, 1U << 30);
-    UErrorCode status = U_ZERO_ERROR;
-    UText view = UTEXT_INITIALIZER;
-    utext_openUChars(&view, rest.data(), static_cast<std::int64_t>(rest.size()), &status);
-    icu::BreakIterator& breaks = characterBreaks();
-    breaks.setText(&view, status);
-    breaks.first();
-    const std::int32_t end = breaks.next();
-    utext_close(&view);
-    return end > 0 ? begin + static_cast<std::size_t>(end) : text.size();
-}
-
-// Whether the scalar stays with a plain unit before it; nothing else there needs the full rules.
-bool joinsPlainUnit(char32_t scalar) noexcept {
-    switch (u_getIntPropertyValue(static_cast<UChar32>(scalar), UCHAR_GRAPHEME_CLUSTER_BREAK)) {
-        case U_GCB_EXTEND:
-        case U_GCB_ZWJ:
-        case U_GCB_SPACING_MARK:
-            return true;
-        default:
-            return false;
-    }
-}
 
 // Below these units only ASCII letters have another case.
 constexpr char16_t kFirstWithUpperCase = u'\u00B5';
@@ -93,41 +51,6 @@ icu::UnicodeString decomposed(const icu::UnicodeString& text) {
 }
 
 }  // namespace
-
-std::size_t characterEndByRules(std::u16string_view text, std::size_t begin) {
-    if (text[begin] < kFirstCombining && !joinsPlainUnit(scalarAt(text, begin + 1).scalar)) return begin + 1;
-    return segmentedCharacterEnd(text, begin);
-}
-
-std::size_t characterCount(std::u16string_view text) {
-    std::size_t count = 0;
-    for (std::size_t at = 0; at < text.size(); at = characterEnd(text, at)) ++count;
-    return count;
-}
-
-std::optional<std::size_t> characterPosition(std::u16string_view text, std::size_t index) {
-    std::size_t at = 0;
-    for (; index > 0; --index) {
-        if (at == text.size()) return std::nullopt;
-        at = characterEnd(text, at);
-    }
-    return at;
-}
-
-std::size_t characterIndex(std::u16string_view text, std::size_t position) {
-    // Where characters end up to `position` depends on nothing behind the scalar that stands there.
-    text = text.substr(0, position + 2);
-    std::size_t plain = 0;
-    while (plain < position && text[plain] < kFirstCombining && text[plain] != u'\r') ++plain;
-    if (plain == position && (position == text.size() || text[position] < kFirstCombining)) return position;
-    // The last plain unit may begin a longer character, so the rules take over there.
-    std::size_t index = plain > 0 ? plain - 1 : 0;
-    for (std::size_t at = index; at < text.size(); ++index) {
-        at = characterEnd(text, at);
-        if (at > position) break;
-    }
-    return index;
-}
 
 bool canonicallyEqualByForms(std::u16string_view left, std::u16string_view right) {
     if (left == right) return true;

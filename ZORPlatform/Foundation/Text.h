@@ -2,9 +2,10 @@
 #pragma once
 
 // Questions about text that need Unicode's tables: user-perceived characters, scalars, case and character sets.
-// A text is UTF-16; a position is a UTF-16 unit; a character is an extended grapheme cluster (Unicode Annex 29),
-// so CR LF, a flag and an emoji with its modifiers are one character each. Lone surrogates are allowed
-// everywhere and count as scalars of their own. All functions are pure and may be called from any thread.
+// A text is UTF-16; a position is a UTF-16 unit; a character is an extended grapheme cluster (Unicode Annex 29 as of
+// Unicode 15, with CLDR's rule for consonants that a virama links), so CR LF, a flag and an emoji with its modifiers
+// are one character each. Lone surrogates are allowed everywhere and count as scalars of their own. All functions are
+// pure and may be called from any thread.
 //
 //     for (std::size_t at = 0; at < text.size(); at = characterEnd(text, at)) { ... }
 

@@ -40,6 +40,24 @@ TEST(HTMLNesting, ElementsThatStayOpenCount) {
     }
 }
 
+TEST(HTMLNesting, FormattingThatIsOpenedAgainCounts) {
+    const auto bomb = [](std::string_view before, std::string_view behind) {
+        std::string text;
+        for (int part = 0; part < 600; ++part) {
+            text.append(before).append(" id=").append(std::to_string(part)).append(">").append(behind);
+        }
+        return text;
+    };
+    EXPECT_TRUE(isNestedTooDeep(bomb("<p><b", "</p>")));
+    EXPECT_TRUE(isNestedTooDeep(bomb("<li><font", "")));
+    EXPECT_TRUE(isNestedTooDeep(bomb("<div><tt", "x</div>")));
+    EXPECT_FALSE(isNestedTooDeep(bomb("<p><b", "</p></b>")));
+    EXPECT_FALSE(isNestedTooDeep(bomb("<p><b", "</b></p>")));
+    EXPECT_FALSE(isNestedTooDeep(bomb("<object><b", "</object>")));
+    EXPECT_FALSE(isNestedTooDeep("<table>" + bomb("<td><b", "")));
+    EXPECT_FALSE(isNestedTooDeep(many("<p><b></p>")));
+}
+
 // Each of these tags closes less than it seems to.
 TEST(HTMLNesting, EndTagsThatCloseNothingDoNotHideOthers) {
     for (const std::string_view part :

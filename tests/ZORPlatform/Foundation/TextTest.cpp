@@ -1,69 +1,15 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <ZORPlatform/Foundation/Text.h>
 
-#include <ZORPlatform/Foundation/Utf.h>
-
 #include <gtest/gtest.h>
-#include <unicode/brkiter.h>
 #include <unicode/locid.h>
 #include <unicode/normalizer2.h>
 #include <unicode/unistr.h>
 
-#include <array>
-#include <memory>
-#include <random>
 #include <string>
-#include <vector>
 
 namespace ZORPlatform {
 namespace {
-
-// ICU's own segmentation of a whole text, without our short cuts.
-class Segmentation {
-public:
-    Segmentation() {
-        UErrorCode status = U_ZERO_ERROR;
-        breaks_.reset(icu::BreakIterator::createCharacterInstance(icu::Locale::getRoot(), status));
-    }
-    std::size_t firstEnd(std::u16string_view text) {
-        setText(text);
-        return static_cast<std::size_t>(breaks_->following(0));
-    }
-    std::vector<std::size_t> ends(std::u16string_view text) {
-        setText(text);
-        std::vector<std::size_t> ends;
-        for (breaks_->first(); breaks_->next() != icu::BreakIterator::DONE;) {
-            ends.push_back(static_cast<std::size_t>(breaks_->current()));
-        }
-        return ends;
-    }
-    std::size_t wholeCharacters(std::u16string_view text, std::size_t position) {
-        setText(text);
-        std::size_t count = 0;
-        for (std::int32_t end = breaks_->following(0);
-             end != icu::BreakIterator::DONE && static_cast<std::size_t>(end) <= position; end = breaks_->next()) {
-            ++count;
-        }
-        return count;
-    }
-
-private:
-    // The iterator looks at the text where it is, so the text stays.
-    void setText(std::u16string_view text) {
-        text_ = icu::UnicodeString(text.data(), static_cast<std::int32_t>(text.size()));
-        breaks_->setText(text_);
-    }
-
-    icu::UnicodeString text_;
-    std::unique_ptr<icu::BreakIterator> breaks_;
-};
-
-// As above, by our own steps.
-std::vector<std::size_t> ends(std::u16string_view text) {
-    std::vector<std::size_t> ends;
-    for (std::size_t at = 0; at < text.size();) ends.push_back(at = characterEnd(text, at));
-    return ends;
-}
 
 icu::UnicodeString toIcu(const std::u16string& text) { return {text.data(), static_cast<std::int32_t>(text.size())}; }
 
@@ -71,80 +17,11 @@ std::u16string toUtf16(const icu::UnicodeString& text) {
     return {text.getBuffer(), static_cast<std::size_t>(text.length())};
 }
 
-TEST(Text, ACharacterEndsWhereIcuEndsItForEveryScalarBehindAPlainUnit) {
-    Segmentation segmentation;
-    for (const char16_t first : {u'5', u' ', u'\u00A0', u'\n', u'\u00AD', u'\u00A9'}) {
-        for (char32_t scalar = 0; scalar < 0x110000; ++scalar) {
-            std::u16string text(1, first);
-            appendScalar(text, scalar);
-            ASSERT_EQ(characterEnd(text, 0), segmentation.firstEnd(text)) << static_cast<unsigned>(scalar);
-        }
-    }
-}
-
-TEST(Text, CharacterIndexCountsTheWholeCharactersBeforeAPosition) {
-    Segmentation segmentation;
-    for (const std::u16string_view text :
-         {u"", u"abc", u"ab\r\nc\r\r\n", u"e\u0301e\u0301\u0302x", u"12\u0301\u00A034", u"\U0001F1E7\U0001F1EA1",
-          u"a\U0001F469\u200D\U0001F469b", u"\u0301\u0301", u"\xD83D\xD83D\xDE00", u"\u1100\u1161\u11A8z"}) {
-        for (std::size_t position = 0; position <= text.size(); ++position) {
-            EXPECT_EQ(characterIndex(text, position), segmentation.wholeCharacters(text, position)) << position;
-        }
-    }
-}
-
 TEST(Text, TheUpperCaseOfAUnitIsThatOfATextOfThisUnit) {
     for (unsigned unit = 0; unit < 0x10000; ++unit) {
         const std::u16string text(1, static_cast<char16_t>(unit));
         ASSERT_EQ(uppercased(text[0]).view(), uppercased(text)) << std::hex << unit;
     }
-}
-
-// Every pair is looked at in one long text of pairs, each behind a line feed: a line feed never joins what follows.
-TEST(Text, CharactersOfPlainUnitsEndWhereIcuEndsThem) {
-    constexpr char16_t kPlainUnits = 0x300;
-    Segmentation segmentation;
-    for (char16_t first = 0; first < kPlainUnits; ++first) {
-        std::u16string text;
-        for (char16_t second = 0; second < kPlainUnits; ++second) text += {u'\n', first, second};
-        ASSERT_EQ(ends(text), segmentation.ends(text)) << static_cast<unsigned>(first);
-    }
-}
-
-TEST(Text, CharactersOfAnyTextEndWhereIcuEndsThem) {
-    // What joins and what separates: line ends, marks, prepended and spacing signs, Hangul, flags, emoji, surrogates.
-    constexpr std::array<char32_t, 28> kScalars{u'a',   u' ',   u'\r',  u'\n',   0xA0,    0xAD,    0xE9,
-                                                0x301,  0x302,  0x600,  0x903,   0x915,   0x93F,   0x94D,
-                                                0x1100, 0x1161, 0x11A8, 0xAC00,  0x200B,  0x200D,  0x20AC,
-                                                0xFE0F, 0xD83D, 0xDE00, 0x1F1E7, 0x1F3FD, 0x1F469, 0x1F600};
-    Segmentation segmentation;
-    std::mt19937 random(29);
-    for (int round = 0; round < 20000; ++round) {
-        std::u16string text;
-        for (std::size_t length = random() % 12; length > 0; --length) {
-            appendScalar(text, kScalars[random() % kScalars.size()]);
-        }
-        const std::vector<std::size_t> expected = segmentation.ends(text);
-        ASSERT_EQ(ends(text), expected) << utf8(text);
-        ASSERT_EQ(characterCount(text), expected.size());
-        for (std::size_t index = 0; index < expected.size(); ++index) {
-            ASSERT_EQ(characterPosition(text, index + 1), expected[index]);
-        }
-    }
-}
-
-TEST(Text, CharacterPositionsBeginAtZeroAndEndWithTheText) {
-    EXPECT_EQ(characterPosition(u"", 0), 0U);
-    EXPECT_EQ(characterPosition(u"", 1), std::nullopt);
-    EXPECT_EQ(characterPosition(u"a\r\nb", 2), 3U);
-    EXPECT_EQ(characterPosition(u"a\r\nb", 3), 4U);
-    EXPECT_EQ(characterPosition(u"a\r\nb", 4), std::nullopt);
-    EXPECT_EQ(characterPosition(u"ab", static_cast<std::size_t>(-1)), std::nullopt);
-}
-
-TEST(Text, ManyCharactersAreCountedAndOneLongCharacterToo) {
-    EXPECT_EQ(characterCount(std::u16string(1'000'000, u'x')), 1'000'000U);
-    EXPECT_EQ(characterCount(u'e' + std::u16string(1'000'000, u'\u0301')), 1U);
 }
 
 TEST(Text, CaseIsMappedAsIcuMapsItForEveryScalar) {
