@@ -6,16 +6,13 @@
 #include <ZORPlatform/Foundation/Text.h>
 
 #include <gtest/gtest.h>
+#include <support/CharacterModel.h>
 #include <sys/mman.h>
-#include <unicode/brkiter.h>
-#include <unicode/locid.h>
-#include <unicode/unistr.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <array>
 #include <fstream>
-#include <memory>
 #include <random>
 #include <span>
 #include <string>
@@ -24,29 +21,8 @@
 namespace ZORPlatform {
 namespace {
 
+using support::CharacterModel;
 using Positions = std::vector<std::size_t>;
-
-class Segmentation {
-public:
-    Segmentation() {
-        UErrorCode status = U_ZERO_ERROR;
-        breaks_.reset(icu::BreakIterator::createCharacterInstance(icu::Locale::getRoot(), status));
-    }
-    Positions ends(std::u16string_view text) {
-        // The iterator looks at the text where it is, so the text stays.
-        text_ = icu::UnicodeString(text.data(), static_cast<std::int32_t>(text.size()));
-        breaks_->setText(text_);
-        Positions ends;
-        for (breaks_->first(); breaks_->next() != icu::BreakIterator::DONE;) {
-            ends.push_back(static_cast<std::size_t>(breaks_->current()));
-        }
-        return ends;
-    }
-
-private:
-    icu::UnicodeString text_;
-    std::unique_ptr<icu::BreakIterator> breaks_;
-};
 
 Positions ends(std::u16string_view text) {
     Positions ends;
@@ -96,7 +72,7 @@ TEST(Characters, EveryScalarJoinsAsInIcuWhateverIsAround) {
                                               {u"", u"\U0001F1E7"},
                                               {u"\U0001F1E7", u"\U0001F1E7"},
                                               {u"\r", u"\n"}}};
-    Segmentation segmentation;
+    CharacterModel model;
     for (char32_t scalar = 0; scalar < 0x110000; ++scalar) {
         // Above, there are ideographs and nothing, but for one block.
         const bool isOfAnyKind = scalar < 0x20000 || (scalar >= 0xE0000 && scalar < 0xE1000);
@@ -104,12 +80,12 @@ TEST(Characters, EveryScalarJoinsAsInIcuWhateverIsAround) {
         for (const auto& [before, behind] : std::span(kAround).first(isOfAnyKind ? kAround.size() : 3)) {
             text.append(1, u'\n').append(before).append(ofScalar(scalar)).append(behind);
         }
-        ASSERT_EQ(ends(text), segmentation.ends(text)) << std::hex << static_cast<unsigned>(scalar);
+        ASSERT_EQ(ends(text), model.ends(text)) << std::hex << static_cast<unsigned>(scalar);
     }
 }
 
 TEST(Characters, EverySequenceOfFiveClassesIsDividedAsInIcu) {
-    Segmentation segmentation;
+    CharacterModel model;
     for (const char32_t first : kSamples) {
         for (const char32_t second : kSamples) {
             const std::u16string begin = u"\n" + ofScalar(first) + ofScalar(second);
@@ -124,7 +100,7 @@ TEST(Characters, EverySequenceOfFiveClassesIsDividedAsInIcu) {
                     }
                 }
             }
-            ASSERT_EQ(ends(text), segmentation.ends(text))
+            ASSERT_EQ(ends(text), model.ends(text))
                 << std::hex << static_cast<unsigned>(first) << " " << static_cast<unsigned>(second);
         }
     }
@@ -132,17 +108,17 @@ TEST(Characters, EverySequenceOfFiveClassesIsDividedAsInIcu) {
 
 // Every pair is looked at in one long text of pairs, each behind a line feed: a line feed never joins what follows.
 TEST(Characters, EveryPairOfPlainUnitsIsDividedAsInIcu) {
-    Segmentation segmentation;
+    CharacterModel model;
     for (char16_t first = 0; first < kFirstCombining; ++first) {
         std::u16string text;
         for (char16_t second = 0; second < kFirstCombining; ++second) text += {u'\n', first, second};
-        ASSERT_EQ(ends(text), segmentation.ends(text)) << static_cast<unsigned>(first);
+        ASSERT_EQ(ends(text), model.ends(text)) << static_cast<unsigned>(first);
     }
 }
 
 // Texts with long plain stretches, so that whole blocks of units are passed at every distance from what is not plain.
 TEST(Characters, AnyTextIsDividedCountedAndIndexedAsInIcu) {
-    Segmentation segmentation;
+    CharacterModel model;
     std::mt19937 random(29);
     for (int round = 0; round < 4000; ++round) {
         std::u16string text;
@@ -158,17 +134,15 @@ TEST(Characters, AnyTextIsDividedCountedAndIndexedAsInIcu) {
                     appendScalar(text, kSamples[random() % kSamples.size()]);
             }
         }
-        const Positions expected = segmentation.ends(text);
+        const Positions expected = model.ends(text);
         ASSERT_EQ(ends(text), expected) << ::testing::PrintToString(text);
         ASSERT_EQ(characterCount(text), expected.size()) << ::testing::PrintToString(text);
-        ASSERT_EQ(characterPosition(text, 0), 0U);
-        for (std::size_t index = 0; index < expected.size(); ++index) {
-            ASSERT_EQ(characterPosition(text, index + 1), expected[index]) << ::testing::PrintToString(text);
+        for (std::size_t index = 0; index <= expected.size() + 1; ++index) {
+            ASSERT_EQ(characterPosition(text, index), CharacterModel::position(expected, index))
+                << ::testing::PrintToString(text);
         }
-        ASSERT_EQ(characterPosition(text, expected.size() + 1), std::nullopt);
         for (std::size_t position = 0; position <= text.size(); ++position) {
-            const auto whole = std::upper_bound(expected.begin(), expected.end(), position) - expected.begin();
-            ASSERT_EQ(characterIndex(text, position), static_cast<std::size_t>(whole))
+            ASSERT_EQ(characterIndex(text, position), CharacterModel::index(expected, position))
                 << ::testing::PrintToString(text) << position;
         }
     }
