@@ -43,6 +43,7 @@
 #include <ZORFoundation/StringAmounts.h>
 #include <ZORFoundation/StringChecks.h>
 #include <ZORFoundation/StringExtension.h>
+#include <ZORFoundation/StringMeasuring.h>
 #include <ZORFoundation/StringPatterns.h>
 #include <ZORFoundation/Text.h>
 #include <ZORFoundation/Validation/InputValidator.h>

@@ -43,6 +43,7 @@ struct Settings {
     Setting<fs::path> mainResourceDirectory;
     Setting<fs::path> stateDirectory;
     Setting<fs::path> itemStorePath;
+    Setting<fs::path> textLayoutModule;
     Setting<std::u16string> mainBundleIdentifier;
     Setting<std::u16string> localeIdentifier;
     Setting<std::u16string> timeZoneIdentifier;
@@ -132,6 +133,11 @@ fs::path HostEnvironment::itemStorePath() {
     return settings().itemStorePath.get().value_or(dataDirectory() / "items.sqlite");
 }
 void HostEnvironment::setItemStorePath(std::optional<fs::path> path) { settings().itemStorePath.set(std::move(path)); }
+
+std::optional<fs::path> HostEnvironment::textLayoutModule() { return settings().textLayoutModule.get(); }
+void HostEnvironment::setTextLayoutModule(std::optional<fs::path> file) {
+    settings().textLayoutModule.set(std::move(file));
+}
 
 std::optional<std::u16string> HostEnvironment::mainBundleIdentifier() { return settings().mainBundleIdentifier.get(); }
 void HostEnvironment::setMainBundleIdentifier(std::optional<std::u16string> identifier) {

@@ -49,6 +49,11 @@ public:
     [[nodiscard]] static std::filesystem::path itemStorePath();
     static void setItemStorePath(std::optional<std::filesystem::path> path);
 
+    /// The module that measures text, loaded by the first measurement and kept. Default: absent, it is looked for
+    /// beside the library and then where the system looks for libraries.
+    [[nodiscard]] static std::optional<std::filesystem::path> textLayoutModule();
+    static void setTextLayoutModule(std::optional<std::filesystem::path> file);
+
     /// The main bundle's identifier in reverse-DNS form. Default: absent.
     [[nodiscard]] static std::optional<std::u16string> mainBundleIdentifier();
     static void setMainBundleIdentifier(std::optional<std::u16string> identifier);

@@ -4,6 +4,7 @@
 
 #include <ZORFoundation/ErrorHandling/ZORError.h>
 #include <ZORFoundation/ErrorHandling/ZORErrorHandler.h>
+#include <ZORFoundation/StringMeasuring.h>
 #include <ZORFoundation/ZORMod97.h>
 #include <ZORPlatform/Foundation/Error.h>
 #include <ZORPlatform/Foundation/Utf.h>
@@ -41,6 +42,10 @@ int main() {
     } catch (const ZORPlatform::ThrownError& thrown) {
         if (thrown.error().as<ZORPlatform::NSError>()->code() != 7) return 1;
     }
+    // The module that measures text is found beside the library.
+    const ZORFoundation::Font font{u"DejaVu Sans", 12};
+    if (ZORFoundation::StringExtension::calculatedSize(u"Hello", font).width <= 0) return 1;
+
     std::puts("the installed library works");
     return 0;
 }
