@@ -27,6 +27,9 @@ extern const Command kDecryptCommand;
 // Secrets in the item store.
 extern const Command kKeychainCommand;
 
+// What the library does with whole texts: one record out for each line in.
+extern const Command kTextCommand;
+
 // Files: settings, watching, and what backups leave out.
 extern const Command kSettingsCommand;
 extern const Command kWatchCommand;

@@ -7,9 +7,9 @@ namespace zor {
 namespace {
 
 constexpr std::array kCommands{
-    &kCheckCommand, &kFormatCommand,          &kExplainCommand,  &kDateCommand,    &kErrorCodeCommand,
-    &kHashCommand,  &kBase64Command,          &kEncryptCommand,  &kDecryptCommand, &kSettingsCommand,
-    &kWatchCommand, &kBackupExclusionCommand, &kKeychainCommand,
+    &kCheckCommand,     &kFormatCommand, &kExplainCommand,         &kDateCommand,     &kTextCommand,
+    &kErrorCodeCommand, &kHashCommand,   &kBase64Command,          &kEncryptCommand,  &kDecryptCommand,
+    &kSettingsCommand,  &kWatchCommand,  &kBackupExclusionCommand, &kKeychainCommand,
 };
 
 }  // namespace

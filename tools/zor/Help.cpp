@@ -25,14 +25,14 @@ void appendRow(std::string& text, std::string_view name, std::size_t nameWidth, 
     text.append(std::max(nameWidth, name.size() + 1) - name.size(), ' ').append(help).append("\n");
 }
 
-// Words behind a label, broken at the width of a screen.
+// Words behind a label, broken at the width of a screen and indented from the second line on.
 template <typename Words>
 void appendWords(std::string& text, std::string_view label, const Words& words) {
     std::string line(label);
     for (const std::string_view word : words) {
         if (line.size() + 1 + word.size() > kColumns) {
             text.append(line).append("\n");
-            line.assign(label.size(), ' ');
+            line.assign(kIndent - 1, ' ');
         }
         line.append(" ").append(word);
     }
@@ -78,8 +78,7 @@ std::string programHelp() {
     }
     appendWords(text, "Kinds:", kindNames());
     text += "Without a VALUE a command is a filter: one record out for each line in.\n";
-    text += "Exit status: 0 all valid, or a filter done; 1 some value invalid; 2 usage;\n";
-    text += "3 input or output failed; 4 internal error.\n";
+    text += "Exit status: 0 valid or done; 1 not valid; 2 usage; 3 input, output; 4 internal.\n";
     for (const Option& option : kProgramOptions) appendRow(text, spelling(option), 12, option.help);
     return text;
 }

@@ -56,6 +56,8 @@ expect_offers "--days=" zor date add --d
 expect_offers "--today=" zor date years --t
 expect_offers "full full-no-year" zor date format --style = f
 expect_offers "iso" zor date add --read = i
+expect_offers "escapes" zor text e
+expect_offers "--max-record=" zor text html --m
 expect_offers "sha224 sha256" zor hash sha2
 expect_offers "sha1" zor hash sha1
 expect_offers "a key" zor hash sha1 a

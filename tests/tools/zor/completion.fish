@@ -29,6 +29,8 @@ expect_offers "zor date t" "today"
 expect_offers "zor date format --sty" "--style"
 expect_offers "zor date format p" ""
 expect_offers "zor date add --read=n" "--read=numeric"
+expect_offers "zor text e" "escapes"
+expect_offers "zor text html --m" "--max-record"
 expect_offers "zor hash sha2" "sha224 sha256"
 expect_offers "zor decrypt --key-o" "--key-overflow"
 test $failures -eq 0

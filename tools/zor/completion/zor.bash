@@ -47,7 +47,7 @@ _zor() {
     access-number amount email mobile-phone street house-number box-number postal-code belgian-postal-code name
     business-name text pin backend-text message"
   local displays="phone challenge login-code pattern"
-  local commands="check format explain date error-code hash base64 encrypt decrypt settings keychain
+  local commands="check format explain date text error-code hash base64 encrypt decrypt settings keychain
     watch exclude-from-backup"
   local filter_options="--format= --in= --out= --field= --key= --emit= --labels= --null= --sep= --flush=
     --chunk-header --max-record= --keep-cr --jobs= --stats= --fail-on-invalid --no-env --help"
@@ -122,6 +122,14 @@ _zor() {
     base64)
       if [[ $COMP_CWORD -eq 2 ]]; then _zor_words "encode decode --help" "$current"; else
         _zor_file_or "--codec= --line-length="
+      fi
+      ;;
+    text)
+      if [[ $COMP_CWORD -eq 2 && $current != -* ]]; then
+        _zor_words "accents html escapes flag spaces" "$current"
+      else
+        _zor_words "$filter_options" "$current"
+        [[ ${COMPREPLY[0]-} == *= ]] && compopt -o nospace
       fi
       ;;
     encrypt) _zor_file_or "--cipher= --key-file= --key-file-exact --help" ;;

@@ -5,13 +5,13 @@ set -l kinds iban bban account card comment bcmc national-number registration-nu
     access-number amount email mobile-phone street house-number box-number postal-code belgian-postal-code name \
     business-name text pin backend-text message
 set -l displays phone challenge login-code pattern
-set -l commands check format explain date error-code hash base64 encrypt decrypt settings keychain watch \
+set -l commands check format explain date text error-code hash base64 encrypt decrypt settings keychain watch \
     exclude-from-backup
 set -l formats "plain tsv tsv-raw csv jsonl"
 set -l no_command "not __fish_seen_subcommand_from $commands"
 set -l date_command "__fish_seen_subcommand_from date"
 set -l kind_command "__fish_seen_subcommand_from check format explain; and not $date_command"
-set -l filter_command "__fish_seen_subcommand_from check format explain date"
+set -l filter_command "__fish_seen_subcommand_from check format explain date text"
 
 complete -c zor -f
 complete -c zor -n $no_command -a check -d "whether values are valid"
@@ -23,6 +23,7 @@ complete -c zor -n $no_command -a hash -d "the digest of data in hexadecimal"
 complete -c zor -n $no_command -a base64 -d "data as Base64 text and back"
 complete -c zor -n $no_command -a encrypt -d "data under a key text"
 complete -c zor -n $no_command -a decrypt -d "what encrypt wrote"
+complete -c zor -n $no_command -a text -d "texts converted"
 complete -c zor -n $no_command -a settings -d "a settings file"
 complete -c zor -n $no_command -a keychain -d "secrets in the item store"
 complete -c zor -n $no_command -a watch -d "a line for each change"
@@ -53,7 +54,7 @@ complete -c zor -n $filter_command -l stats -x -a "stderr hadoop" -d "counts at 
 complete -c zor -n $filter_command -l fail-on-invalid -d "exit status 1 when a record is invalid"
 complete -c zor -n $filter_command -l no-env -d "do not read the environment"
 
-set -l limited "__fish_seen_subcommand_from name text postal-code"
+set -l limited "$kind_command; and __fish_seen_subcommand_from name text postal-code"
 complete -c zor -n "__fish_seen_subcommand_from iban bban account comment" -l exact -d "take values as they stand"
 complete -c zor -n "__fish_seen_subcommand_from amount" -l locale -x -d "the writing of amounts"
 complete -c zor -n $limited -l min -x -d "the fewest characters"
@@ -88,6 +89,10 @@ complete -c zor -n $cipher_command -l key-file -r -F -d "the text of the key"
 complete -c zor -n $cipher_command -l key-file-exact -d "a final line end belongs to the key"
 complete -c zor -n "__fish_seen_subcommand_from decrypt" -l key-overflow -x -a zero -d "keys too long are zeros"
 complete -c zor -n "__fish_seen_subcommand_from decrypt" -l legacy -d "aes256 data of earlier releases"
+
+set -l conversions accents html escapes flag spaces
+complete -c zor -n "__fish_seen_subcommand_from text; and not $kind_command; and not __fish_seen_subcommand_from \
+    $conversions" -a "$conversions"
 
 set -l settings_command "__fish_seen_subcommand_from settings"
 set -l backup_command "__fish_seen_subcommand_from exclude-from-backup"
