@@ -18,6 +18,19 @@ public:
         if (++units_ == kPieceUnits) endPiece();
     }
 
+    /// Whether `appendNumber` may be called: digits are read, and no sign stands before them.
+    [[nodiscard]] constexpr bool takesNumber() const noexcept { return reading_ != Reading::nothing && !isNegative_; }
+
+    /// Appends `digits` digits at once.
+    ///
+    /// @param number      what they spell, below 100 million
+    /// @param powerOfTen  10 to the power of `digits`, by 97
+    constexpr void appendNumber(std::uint32_t number, std::uint32_t digits, std::uint32_t powerOfTen) noexcept {
+        value_ = static_cast<std::uint32_t>((std::uint64_t{value_} * powerOfTen + number) % 97);
+        units_ = (units_ + static_cast<int>(digits)) % kPieceUnits;
+        reading_ = Reading::digits;
+    }
+
     /// The remainder of all units so far; negative only behind a "-".
     [[nodiscard]] constexpr std::int32_t value() const noexcept {
         const auto remainder = static_cast<std::int32_t>(value_ % 97);

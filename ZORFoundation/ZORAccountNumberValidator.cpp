@@ -9,8 +9,10 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <optional>
 
 namespace ZORFoundation {
@@ -18,10 +20,10 @@ namespace {
 
 using ZORPlatform::fourDigitsUnchecked;
 using ZORPlatform::fourUnits;
+using ZORPlatform::inEveryLane;
 using ZORPlatform::kFourZeros;
 using ZORPlatform::lanesAboveNine;
 using ZORPlatform::nonDigits;
-using ZORPlatform::withLeadingZeros;
 
 constexpr std::size_t kShortestIban = 5;
 constexpr std::size_t kLongestIban = 32;
@@ -93,27 +95,108 @@ Stretch stretchOf(std::uint64_t word) noexcept {
     return stretch;
 }
 
-// A number of letters and digits spells one long number, and `modulo97:` gives its true remainder. So it may be summed
-// up from its end, four units at a time, each stretch times the power of ten of the place where it ends: no sum waits
-// for the one before. None when there is another unit.
-std::optional<std::uint64_t> remainderOfPlainIban(std::u16string_view text) noexcept {
-    Stretch stretch = stretchOf(fourUnits(text.data()));
-    std::uint64_t sum = stretch.number;
-    std::size_t digits = stretch.digits;
-    bool hasLetters = false;
-    for (std::size_t end = text.size(); end > kMovedUnits; end -= 4) {
-        if (digits >= kOdd) return std::nullopt;
-        std::uint64_t word = fourUnits(text.data() + end - 4);
-        // The last stretch may reach into the units that were moved.
-        if (end < 2 * kMovedUnits) word = withLeadingZeros(word, 2 * kMovedUnits - end);
-        // Where one stretch has letters the next may have some, so the short cut is not tried again.
-        hasLetters = hasLetters || nonDigits(word) != 0;
-        stretch = hasLetters ? stretchOf(word) : Stretch{static_cast<std::uint32_t>(fourDigitsUnchecked(word)), 4};
-        sum += std::uint64_t{stretch.number} * kPowers[digits];
-        digits += stretch.digits;
+// Eight units as lanes, and what several lanes hold together. The order of lanes within a word is that of `fourUnits`.
+using Lanes = std::uint16_t __attribute__((vector_size(16)));
+using PairsOfLanes = std::uint32_t __attribute__((vector_size(16)));
+using Words = std::uint64_t __attribute__((vector_size(16)));
+
+Lanes eightUnits(const char16_t* units) noexcept {
+    if constexpr (std::endian::native == std::endian::little) {
+        Lanes lanes;
+        std::memcpy(&lanes, units, sizeof lanes);
+        return lanes;
     }
-    if (digits >= kOdd) return std::nullopt;
-    return sum % 97;
+    return std::bit_cast<Lanes>(Words{fourUnits(units), fourUnits(units + 4)});
+}
+
+constexpr Lanes inAllLanes(std::uint16_t value) noexcept {
+    return Lanes{value, value, value, value, value, value, value, value};
+}
+
+// A number of letters and digits spells one long number, and `modulo97:` gives its true remainder. So it may be summed
+// up from its end, stretch by stretch, each times the power of ten of the place where it ends: no sum waits for the one
+// before.
+class PlainSum {
+public:
+    void addBefore(Stretch stretch) noexcept {
+        sum_ += std::uint64_t{stretch.number} * kPowers[digits_];
+        digits_ += stretch.digits;
+    }
+
+    // Adds the first `count` of eight units; the others are as if they were not there.
+    [[gnu::always_inline]] void addBefore(const char16_t* units, std::size_t count) noexcept {
+        // Ones for each lane that counts, zeros behind them.
+        static constexpr auto kCounting = [] {
+            std::array<char16_t, 16> lanes{};
+            std::fill(lanes.begin(), lanes.begin() + 8, u'\uFFFF');
+            return lanes;
+        }();
+        addBefore(units, eightUnits(&kCounting[8 - count]));
+    }
+
+    // Adds eight units.
+    [[gnu::always_inline]] void addBefore(const char16_t* units) noexcept { addBefore(units, inAllLanes(0xFFFF)); }
+
+    // By 97. None when one of the units was neither letter nor digit.
+    [[nodiscard]] std::optional<std::uint64_t> remainder() const noexcept {
+        const auto odd = std::bit_cast<Words>(odd_);
+        if ((odd[0] | odd[1]) != 0) return std::nullopt;
+        return sum_ % 97;
+    }
+
+private:
+    // @param counts  all bits of the lanes to add
+    [[gnu::always_inline]] void addBefore(const char16_t* units, Lanes counts) noexcept {
+        const Lanes unit = eightUnits(units);
+        // The small letter of a capital; a digit stays as it is.
+        const Lanes folded = unit | inAllLanes(0x20);
+        const auto isDigit = std::bit_cast<Lanes>(unit - inAllLanes(u'0') < inAllLanes(10)) & counts;
+        const auto isLetter = std::bit_cast<Lanes>(folded - inAllLanes(u'a') < inAllLanes(26)) & counts;
+        odd_ |= (isDigit | isLetter) ^ counts;
+
+        // The lowest five bits of "0" are 16, of "a" 1.
+        const Lanes number = ((folded & inAllLanes(0x1F)) - inAllLanes(16) + (isLetter & inAllLanes(25))) & counts;
+        const Lanes factor = inAllLanes(1) + (isDigit & inAllLanes(9)) + (isLetter & inAllLanes(99));
+        const auto digits = std::bit_cast<Words>((isDigit & inAllLanes(1)) + (isLetter & inAllLanes(2)));
+
+        // In each pair of lanes: the first times the factor of the second, plus the second; and both factors.
+        const auto laterFactor = std::bit_cast<Lanes>(std::bit_cast<PairsOfLanes>(factor) >> 16);
+        const auto pairs = std::bit_cast<Words>(std::bit_cast<PairsOfLanes>(number * laterFactor) +
+                                                (std::bit_cast<PairsOfLanes>(number) >> 16));
+        const auto factors = std::bit_cast<Words>(factor * laterFactor);
+        for (const int word : {1, 0}) {
+            const auto later = static_cast<std::uint32_t>(pairs[word] >> 32);
+            const auto laterFactorOfPair = static_cast<std::uint32_t>(factors[word] >> 32);
+            addBefore({static_cast<std::uint32_t>(pairs[word]) * laterFactorOfPair + later,
+                       static_cast<std::uint32_t>(digits[word] * inEveryLane(1) >> 48)});
+        }
+    }
+
+    std::uint64_t sum_ = 0;
+    std::size_t digits_ = 0;
+    Lanes odd_{};
+};
+
+// None for a number of fewer units than any country's, and for one that has a unit that is neither letter nor digit.
+std::optional<std::uint64_t> remainderOfPlainIban(std::u16string_view text) noexcept {
+    constexpr std::size_t kLeast = kMovedUnits + 8;
+    if (text.size() < kLeast) return std::nullopt;
+    const char16_t* const units = text.data();
+    const Stretch moved = stretchOf(fourUnits(units));
+    if (moved.digits >= kOdd) return std::nullopt;
+    PlainSum sum;
+    sum.addBefore(moved);
+    sum.addBefore(units + text.size() - 8);
+    // The same steps whatever the length is, which is anybody's guess: units that are not there count nothing.
+    const auto addFromEnd = [&](std::size_t distance) __attribute__((always_inline)) {
+        const std::size_t end = std::max(text.size(), distance + kMovedUnits) - distance;
+        const std::size_t begin = std::max(end, kLeast) - 8;
+        sum.addBefore(units + begin, end - begin);
+    };
+    addFromEnd(8);
+    addFromEnd(16);
+    if (text.size() > kMovedUnits + 24) addFromEnd(24);
+    return sum.remainder();
 }
 
 // "BE" and fourteen digits make 18 digits, which a machine word holds. None for any other text of 16 units.
@@ -132,9 +215,9 @@ std::optional<std::uint64_t> remainderOfBelgianIban(const char16_t* units) noexc
     return (account * 1'000'000 + moved) % 97;
 }
 
-// The rule word for word, for texts with units that are neither letters nor digits. A few of them upper-case to a
-// letter, others to several units, and all that are no digits hide the rest of their piece.
-std::int32_t remainderOfOddIban(std::u16string_view text) noexcept {
+// The rule word for word, for short texts and for those with units that are neither letters nor digits. A few of them
+// upper-case to a letter, others to several units, and all that are no digits hide the rest of their piece.
+std::int32_t remainderInPieces(std::u16string_view text) noexcept {
     PiecewiseRemainder remainder;
     const auto append = [&remainder](char16_t unit) {
         if (isLetterOrDigit(unit) && kEffects[unit].digits == 2) {
@@ -144,38 +227,45 @@ std::int32_t remainderOfOddIban(std::u16string_view text) noexcept {
             remainder.append(unit);
         }
     };
-    for (const std::u16string_view part : {text.substr(kMovedUnits), text.substr(0, kMovedUnits)}) {
-        for (const char16_t unit : part) {
+    const auto appendUppercased = [&](char16_t unit) {
+        const ZORPlatform::UppercasedUnit upper = ZORPlatform::uppercased(unit);
+        if (upper.count == 1) return append(upper.units[0]);
+        for (const char16_t piece : upper.view()) remainder.append(piece);
+    };
+    for (std::u16string_view part : {text.substr(kMovedUnits), text.substr(0, kMovedUnits)}) {
+        while (!part.empty()) {
+            // Most of the text is as plain as any, and only what follows an odd unit waits for the end of its piece.
+            if (part.size() >= 4 && remainder.takesNumber()) {
+                if (const Stretch stretch = stretchOf(fourUnits(part.data())); stretch.digits < kOdd) {
+                    remainder.appendNumber(stretch.number, stretch.digits, kPowers[stretch.digits]);
+                    part.remove_prefix(4);
+                    continue;
+                }
+            }
+            const char16_t unit = part.front();
+            part.remove_prefix(1);
             if (unit < kEffects.size()) {
                 append(unit);
-                continue;
-            }
-            const ZORPlatform::UppercasedUnit upper = ZORPlatform::uppercased(unit);
-            if (upper.count == 1) {
-                append(upper.units[0]);
             } else {
-                for (const char16_t piece : upper.view()) remainder.append(piece);
+                appendUppercased(unit);
             }
         }
     }
     return remainder.value();
 }
 
-enum class Verdict { valid, wrongCheckDigits, oddUnit };
-
 // Of a text whose length is in range.
-Verdict verdictOn(std::u16string_view text) noexcept {
+bool isRemainderOne(std::u16string_view text) noexcept {
     std::optional<std::uint64_t> remainder;
     if (text.size() == kFixedLength) remainder = remainderOfBelgianIban(text.data());
     if (!remainder) remainder = remainderOfPlainIban(text);
-    if (remainder) return *remainder == 1 ? Verdict::valid : Verdict::wrongCheckDigits;
-    return remainderOfOddIban(text) == 1 ? Verdict::valid : Verdict::oddUnit;
+    return remainder ? *remainder == 1 : remainderInPieces(text) == 1;
 }
 
 }  // namespace
 
 bool ZORAccountNumberValidator::isValidIban(std::u16string_view text) noexcept {
-    return lengthOfIban(text) == IbanLength::inRange && verdictOn(text) == Verdict::valid;
+    return lengthOfIban(text) == IbanLength::inRange && isRemainderOne(text);
 }
 
 Explanation ZORAccountNumberValidator::explainIban(std::u16string_view text) noexcept {
@@ -191,15 +281,9 @@ Explanation ZORAccountNumberValidator::explainIban(std::u16string_view text) noe
         case IbanLength::inRange:
             break;
     }
-    switch (verdictOn(text)) {
-        case Verdict::valid:
-            return {};
-        case Verdict::wrongCheckDigits:
-            return brokenAt(BrokenRule::checkDigits, text, kIbanCheckDigits);
-        case Verdict::oddUnit:
-            break;
-    }
+    if (isRemainderOne(text)) return {};
     const auto* const odd = std::find_if_not(text.begin(), text.end(), isLetterOrDigit);
+    if (odd == text.end()) return brokenAt(BrokenRule::checkDigits, text, kIbanCheckDigits);
     return brokenAt(BrokenRule::unexpectedCharacter, text, static_cast<std::size_t>(odd - text.begin()));
 }
 

@@ -143,7 +143,7 @@ TEST(ZORAccountNumberValidator, AgreesWithTheRulesOnValidNumbersWithOddUnits) {
 }
 
 TEST(ZORAccountNumberValidator, AgreesWithTheRulesForEveryUnitAtEveryPosition) {
-    for (std::u16string text : {u"BE68539007547034", u"be191234567"}) {
+    for (std::u16string text : {u"BE68539007547034", u"be191234567", u"MT84MALT011000012345MTLCAST001S"}) {
         for (std::size_t at = 0; at < text.size(); ++at) {
             std::u16string changed = text;
             for (unsigned unit = 0; unit < 0x10000; unit += at % 8 == 4 ? 1 : 13) {
