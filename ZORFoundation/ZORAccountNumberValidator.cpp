@@ -254,18 +254,24 @@ std::int32_t remainderInPieces(std::u16string_view text) noexcept {
     return remainder.value();
 }
 
+struct CheckOfDigits {
+    bool isRight;
+    bool isPlain;  ///< Whether it is known that all units are letters and digits.
+};
+
 // Of a text whose length is in range.
-bool isRemainderOne(std::u16string_view text) noexcept {
+CheckOfDigits checkDigits(std::u16string_view text) noexcept {
     std::optional<std::uint64_t> remainder;
     if (text.size() == kFixedLength) remainder = remainderOfBelgianIban(text.data());
     if (!remainder) remainder = remainderOfPlainIban(text);
-    return remainder ? *remainder == 1 : remainderInPieces(text) == 1;
+    if (remainder) return {.isRight = *remainder == 1, .isPlain = true};
+    return {.isRight = remainderInPieces(text) == 1, .isPlain = false};
 }
 
 }  // namespace
 
 bool ZORAccountNumberValidator::isValidIban(std::u16string_view text) noexcept {
-    return lengthOfIban(text) == IbanLength::inRange && isRemainderOne(text);
+    return lengthOfIban(text) == IbanLength::inRange && checkDigits(text).isRight;
 }
 
 Explanation ZORAccountNumberValidator::explainIban(std::u16string_view text) noexcept {
@@ -281,7 +287,9 @@ Explanation ZORAccountNumberValidator::explainIban(std::u16string_view text) noe
         case IbanLength::inRange:
             break;
     }
-    if (isRemainderOne(text)) return {};
+    const CheckOfDigits check = checkDigits(text);
+    if (check.isRight) return {};
+    if (check.isPlain) return brokenAt(BrokenRule::checkDigits, text, kIbanCheckDigits);
     const auto* const odd = std::find_if_not(text.begin(), text.end(), isLetterOrDigit);
     if (odd == text.end()) return brokenAt(BrokenRule::checkDigits, text, kIbanCheckDigits);
     return brokenAt(BrokenRule::unexpectedCharacter, text, static_cast<std::size_t>(odd - text.begin()));

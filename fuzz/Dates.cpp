@@ -24,7 +24,6 @@ using ZORPlatform::HostEnvironment;
 using ZORPlatform::NSCalendar;
 using ZORPlatform::NSDateFormatter;
 using ZORPlatform::NSLocale;
-using ZORPlatform::NSTimeZone;
 
 namespace {
 

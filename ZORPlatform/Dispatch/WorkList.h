@@ -6,6 +6,7 @@
 #include <ZORPlatform/Dispatch/DispatchWork.h>
 
 #include <cstddef>
+#include <memory>
 #include <utility>
 
 namespace ZORPlatform {
@@ -36,9 +37,9 @@ public:
     }
 
     [[nodiscard]] DispatchWork takeFirst() noexcept {
-        DispatchWork& work = *first_->work(first_->begin);
-        DispatchWork taken = std::move(work);
-        work.~DispatchWork();
+        DispatchWork* const work = first_->work(first_->begin);
+        DispatchWork taken = std::move(*work);
+        std::destroy_at(work);
         removedFirst();
         return taken;
     }

@@ -448,7 +448,8 @@ std::optional<NSDate> dateOfFixedWidth(const DatePattern& pattern, std::u16strin
     const GregorianDay day = gregorianDay(days);
     const bool isDay = day.month == numbers->month && day.day == numbers->day;
     if (!isDay || days < kFirstPlainDay) return std::nullopt;
-    const std::int64_t local = days * kSecondsPerDay + numbers->hour * 3600 + numbers->minute * 60 + numbers->second;
+    const std::int64_t local = days * kSecondsPerDay + std::int64_t{numbers->hour} * 3600 +
+                               std::int64_t{numbers->minute} * 60 + numbers->second;
     const std::int32_t offset = numbers->offset ? *numbers->offset : zone.offsetAtLocal(local);
     // What the clocks skip is no time.
     if (!numbers->offset && zone.offsetAt(local - offset) != offset) return std::nullopt;

@@ -9,7 +9,6 @@
 
 namespace {
 
-using ZORPlatform::DispatchWork;
 using ZORPlatform::WorkList;
 
 TEST(WorkList, GivesWorksBackInTheOrderOfAppendingAcrossChunksOfAllSizes) {
