@@ -76,9 +76,9 @@ public:
 
     /// `run(queue:completion:)`
     ///
-    /// Adds the operation to `queue`. When it has finished, `completion` is called once with the result, on a thread
-    /// that is neither the caller's nor that of `main`; never when it finished without a result. Takes the place of an
-    /// earlier completion block. Until then the operation stays alive.
+    /// Adds the operation to `queue`. When it has finished, `completion` is called once with the result, on a thread of
+    /// the library's choosing and never inside `completeOperation`; never at all when it finished without a result.
+    /// Takes the place of an earlier completion block. Until then the operation stays alive.
     ///
     /// Raises `NSException` named "NSInvalidArgumentException" when the operation executes, has finished, or is or was
     /// in a queue already. Stops the process when no shared pointer holds the operation.

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <ZORPlatform/Dispatch/DispatchPool.h>
 
+#include <ZORPlatform/Dispatch/ProcessorPause.h>
 #include <ZORPlatform/Dispatch/SignalsBlockedInternal.h>
 
 #include <pthread.h>
@@ -25,7 +26,7 @@ using namespace std::chrono_literals;
 // How long every worker may be busy with jobs ready before the pool takes it for a wait and lets one more run.
 constexpr auto kStallTime = 10ms;
 // About a microsecond, less than it takes to sleep and be woken.
-constexpr int kLooksBeforeSleep = 1'000;
+constexpr int kLooksBeforeSleep = 16;
 // How long a surplus worker stays.
 constexpr auto kSurplusTime = 5s;
 
@@ -35,7 +36,8 @@ struct Worker {
     std::thread thread;
     std::condition_variable wake;
     Call call = Call::none;
-    bool inJob = false;
+    /// Not to be stopped: inside a job, or on the look-out for one.
+    bool isBusy = false;
     /// Found the pool stalled: runs one job although there are workers enough.
     bool isRelief = false;
 };
@@ -85,7 +87,7 @@ public:
             exiting_ = true;
             for (const std::unique_ptr<Worker>& worker : workers_) {
                 // One that is about to take a job is as good as inside it.
-                if (worker->inJob || !worker->thread.joinable() || (first_ != nullptr && worker->call != Call::none)) {
+                if (worker->isBusy || !worker->thread.joinable() || (first_ != nullptr && worker->call != Call::none)) {
                     continue;
                 }
                 if (worker->call == Call::work) stopSearching();
@@ -173,6 +175,8 @@ private:
             }
             rest(self, lock);
         }
+        // What ends with the thread, and waits, no longer counts: the record may be another thread's by then.
+        currentWorker = nullptr;
         --total_;
         // The one who stops idle workers at exit joins them.
         if (self.call != Call::leave || !exiting_) {
@@ -182,7 +186,7 @@ private:
     }
 
     void workWhileReady(Worker& self, std::unique_lock<std::mutex>& lock) {
-        while ((first_ != nullptr || becomesReady(lock)) && (awake_ <= width_ || self.isRelief)) {
+        while ((first_ != nullptr || becomesReady(self, lock)) && (awake_ <= width_ || self.isRelief)) {
             self.isRelief = false;
             --searching_;
             PoolJob& job = *first_;
@@ -190,13 +194,13 @@ private:
             if (first_ == nullptr) last_ = nullptr;
             readyCount_.store(readyCount_.load(std::memory_order_relaxed) - 1, std::memory_order_relaxed);
             ++taken_;
-            self.inJob = true;
+            self.isBusy = true;
             Worker* recruited = recruit();
             lock.unlock();
             if (recruited != nullptr) recruited->wake.notify_one();
             job.runTurn();
             lock.lock();
-            self.inJob = false;
+            self.isBusy = false;
             ++searching_;
         }
         self.isRelief = false;
@@ -205,12 +209,13 @@ private:
 
     /// Looks out for a further job for a moment: who submits many small ones should not have to wake somebody for
     /// each.
-    bool becomesReady(std::unique_lock<std::mutex>& lock) const noexcept {
+    bool becomesReady(Worker& self, std::unique_lock<std::mutex>& lock) const noexcept {
         if (exiting_) return false;
+        self.isBusy = true;
         lock.unlock();
-        for (int look = 0; look < kLooksBeforeSleep && !hasReadyJobs(); ++look) {
-        }
+        for (int look = 0; look < kLooksBeforeSleep && !hasReadyJobs(); ++look) pauseProcessor();
         lock.lock();
+        self.isBusy = false;
         return first_ != nullptr;
     }
 

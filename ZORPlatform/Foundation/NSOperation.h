@@ -66,7 +66,8 @@ public:
     ///
     /// Raises `NSException` named "NSInvalidArgumentException" when the operation has been started before, or when it
     /// is neither ready nor in a queue. An exception that leaves `main` passes through, and the operation then stays
-    /// executing; under a queue it ends the process.
+    /// executing; under a queue it ends the process. An override that calls this must not wait afterwards for what the
+    /// queue has yet to start: the thread belongs to the queue.
     virtual void start();
 
     /// `main`: the work. The base version does nothing.
@@ -106,9 +107,9 @@ public:
 
     /// `setCompletionBlock:`
     ///
-    /// Has `block` called once after the operation has finished, on a thread that is neither the caller's nor that of
-    /// the operation, in no fixed order with the start of dependent operations; it is destroyed after that. Set on an
-    /// operation that has finished, it never runs. Replaces an earlier block; `nullptr` removes it.
+    /// Has `block` called once after the operation has finished, on a thread of the library's choosing and never inside
+    /// the call that finished it, in no fixed order with the start of dependent operations; it is destroyed after that.
+    /// Set on an operation that has finished, it never runs. Replaces an earlier block; `nullptr` removes it.
     void setCompletionBlock(DispatchWork block);
 
     /// `queuePriority`: among ready operations of one queue those of higher priority start first. Default: normal.

@@ -13,14 +13,18 @@ namespace support {
 
 class AllocationCount {
 public:
-    AllocationCount() noexcept : begin_(total()) {}
+    AllocationCount() noexcept : begin_(total()), beginBytes_(totalBytes()) {}
     /// Allocations of this thread since construction.
     [[nodiscard]] std::size_t count() const noexcept { return total() - begin_; }
+    /// Bytes that they asked for, freed or not.
+    [[nodiscard]] std::size_t bytes() const noexcept { return totalBytes() - beginBytes_; }
 
 private:
     static std::size_t total() noexcept;
+    static std::size_t totalBytes() noexcept;
 
     std::size_t begin_;
+    std::size_t beginBytes_;
 };
 
 }  // namespace support

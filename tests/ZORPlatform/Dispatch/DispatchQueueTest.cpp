@@ -9,6 +9,7 @@
 #include <barrier>
 #include <memory>
 #include <numeric>
+#include <semaphore>
 #include <stdexcept>
 #include <thread>
 #include <vector>
@@ -93,6 +94,39 @@ TEST(DispatchQueue, RunsWhatWasSubmittedAfterTheLastHandleIsGone) {
         DispatchQueue::concurrent(u"dropped").async([group] { group.leave(); });
     }
     group.wait();
+}
+
+TEST(DispatchQueue, MayBeDroppedByItsOwnWork) {
+    for (const auto make : {&DispatchQueue::serial, &DispatchQueue::concurrent}) {
+        const DispatchGroup group;
+        group.enter();
+        group.enter();
+        auto queue = std::make_unique<DispatchQueue>(make(u"dropped by its own work"));
+        std::binary_semaphore hasBoth(0);
+        // The work's own capture is the last handle: it goes when the work is destroyed.
+        queue->async([&hasBoth, group, copy = *queue] {
+            hasBoth.acquire();
+            group.leave();
+        });
+        queue->async([group] { group.leave(); });
+        queue.reset();
+        hasBoth.release();
+        group.wait();
+    }
+}
+
+TEST(DispatchQueueSerial, RunsAllOfAStreamThatStopsAndGoesOn) {
+    const auto queue = DispatchQueue::serial(u"stream");
+    // Between bursts the queue comes to the end of its turn, now before and now after the next has been submitted.
+    int runs = 0;
+    for (int burst = 0; burst < 20'000; ++burst) {
+        std::atomic<bool> hasRun{false};
+        for (int i = burst % 4; i > 0; --i) queue.async([&runs] { ++runs; });
+        queue.async([&hasRun] { hasRun = true; });
+        while (!hasRun) std::this_thread::yield();
+        for (int i = burst % 64; i > 0; --i) std::atomic_signal_fence(std::memory_order_seq_cst);
+    }
+    EXPECT_EQ(runs, 30'000);
 }
 
 TEST(DispatchQueueConcurrent, RunsEveryWorkOnce) {
