@@ -80,7 +80,7 @@ Comparison few(const char* name, double nanoseconds, Operation operation) {
                    auto copy = result;
                    benchmark::DoNotOptimize(copy);
                })
-        .atMostNanoseconds(nanoseconds)
+        .expectedNanoseconds(nanoseconds)
         .add();
 }
 

@@ -92,6 +92,7 @@ private:
             std::printf("\n");
         }
         int missed = 0;
+        if (comparison.expected()) std::printf("  the size to expect: %.0f ns\n", *comparison.expected());
         for (const Comparison::Goal& goal : comparison.goals()) {
             if (candidate == times.end() || (goal.against && !times.contains(*goal.against))) continue;
             const double value = candidate->second.median / (goal.against ? times.at(*goal.against).median : 1.0);
@@ -191,6 +192,11 @@ Comparison& Comparison::atMost(double factor, std::string contestant) {
 
 Comparison& Comparison::atMostNanoseconds(double nanoseconds) {
     goals_.push_back({nanoseconds, std::nullopt});
+    return *this;
+}
+
+Comparison& Comparison::expectedNanoseconds(double nanoseconds) {
+    expected_ = nanoseconds;
     return *this;
 }
 

@@ -178,7 +178,7 @@ void compare(const char* name, std::u16string_view layout, Validator isValid, Pe
         .floor("units read once", over(kReadOnce))
         .peer("digit by digit", over(inLoop))
         .peer("textbook", over(inTextbook))
-        .atMostNanoseconds(goal)
+        .expectedNanoseconds(goal)
         .atMost(1.0, "digit by digit")
         .add();
 }

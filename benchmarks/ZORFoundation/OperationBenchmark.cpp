@@ -62,7 +62,7 @@ const Comparison kTinyBlocks =
                   }
                   isDone.acquire();
               })
-        .atMostNanoseconds(250)
+        .expectedNanoseconds(250)
         .add();
 
 constexpr std::size_t kSequence = 10'000;
@@ -102,7 +102,7 @@ const Comparison kSequential =
                   end->submit(pool);
                   isDone.acquire();
               })
-        .atMostNanoseconds(300)
+        .expectedNanoseconds(300)
         .add();
 
 class Completing : public ZORAsyncOperation<int> {
