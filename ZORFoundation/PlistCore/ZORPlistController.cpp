@@ -26,6 +26,14 @@ void wipe(std::optional<Bytes>& bytes) noexcept {
     if (bytes) ZORPlatform::wipe(bytes->data(), bytes->size());
 }
 
+// The directory is asked for before the name. The path is added to in place, for a copy takes as many pieces of memory
+// as the path has parts.
+std::filesystem::path settingsPath(const ZORPlistController& controller) {
+    std::filesystem::path path = controller.sandboxDir();
+    path /= controller.plistFilename();
+    return path;
+}
+
 /// The dictionary of settings as a list, lent and not copied: settings may be large.
 class LentDictionary {
 public:
@@ -70,7 +78,7 @@ std::filesystem::path ZORPlistController::plistFilename() const {
                                    u"plistFilename: a class derived from ZORPlistController names the file");
 }
 
-std::filesystem::path ZORPlistController::dictPath() const { return sandboxDir() / plistFilename(); }
+std::filesystem::path ZORPlistController::dictPath() const { return settingsPath(*this); }
 
 std::filesystem::path ZORPlistController::legacySettingsPlistPath() const { return sandboxDir() / kLegacySettingsName; }
 
@@ -93,8 +101,7 @@ void ZORPlistController::initWithEncryption(bool encrypted, std::u16string_view 
     try {
         list = readList();
     } catch (const ZORPlatform::NSException&) {
-        NSFileManager::keepAside(sandboxDir() / plistFilename(), ZORPlatform::HostEnvironment::stateDirectory(),
-                                 kCopiesKeptAside);
+        NSFileManager::keepAside(settingsPath(*this), ZORPlatform::HostEnvironment::stateDirectory(), kCopiesKeptAside);
         removeSettingsFile();
         installNewSettingsFile();
         list = readList();
@@ -123,14 +130,14 @@ void ZORPlistController::installNewSettingsFile() {
 
 std::optional<Bytes> ZORPlistController::getSettingsDataEncrypted(bool encrypted, bool useLegacyDecryption,
                                                                   std::u16string_view key) {
-    std::optional<Bytes> bytes = NSFileManager::contentsAtPath(sandboxDir() / plistFilename());
+    std::optional<Bytes> bytes = NSFileManager::contentsAtPath(settingsPath(*this));
     if (!bytes || !encrypted) return bytes;
     return useLegacyDecryption ? ZORAESCrypt::zor_legacyAES256DecryptWithKey(*bytes, key)
                                : ZORAESCrypt::zor_AES256DecryptWithKey(*bytes, key);
 }
 
 void ZORPlistController::removeSettingsFile() {
-    static_cast<void>(NSFileManager::removeItemAtPath(sandboxDir() / plistFilename()));
+    static_cast<void>(NSFileManager::removeItemAtPath(settingsPath(*this)));
 }
 
 bool ZORPlistController::persist() {

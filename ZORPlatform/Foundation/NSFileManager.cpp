@@ -68,15 +68,19 @@ public:
     TemporaryFile& operator=(const TemporaryFile&) = delete;
 
     [[nodiscard]] bool isOpen() const noexcept { return descriptor_ >= 0; }
-    /// Gives the file the owner, group and mode of another. The ownership as far as the system lets: only root can
-    /// give files away.
+    /// Gives the file the owner, group and mode of another, as far as they differ. The ownership as far as the system
+    /// lets: only root can give files away.
     bool resemble(const struct stat& other) {
+        struct stat own {};
+        if (::fstat(descriptor_, &own) != 0) return false;
+        const bool isOfOthers = own.st_uid != other.st_uid || own.st_gid != other.st_gid;
         constexpr auto kSameOwner = static_cast<uid_t>(-1);
-        if (systemCalls().fchown(descriptor_, other.st_uid, other.st_gid) != 0) {
+        if (isOfOthers && systemCalls().fchown(descriptor_, other.st_uid, other.st_gid) != 0) {
             static_cast<void>(systemCalls().fchown(descriptor_, kSameOwner, other.st_gid));
         }
         // After the ownership, whose change takes bits of the mode away.
-        return systemCalls().fchmod(descriptor_, other.st_mode & kPermissionBits) == 0;
+        const bool isRight = !isOfOthers && (own.st_mode & kPermissionBits) == (other.st_mode & kPermissionBits);
+        return isRight || systemCalls().fchmod(descriptor_, other.st_mode & kPermissionBits) == 0;
     }
     bool fill(std::span<const std::uint8_t> bytes) {
         if (!writeAll(descriptor_, bytes) || systemCalls().fsync(descriptor_) != 0) return false;
@@ -102,13 +106,12 @@ fs::path directoryOf(const fs::path& path) {
     return directory.empty() ? fs::path(".") : directory;
 }
 
-bool replace(const fs::path& target, std::span<const std::uint8_t> bytes, mode_t modeOfNew) {
+/// @param old  the file that is there, or a null pointer
+bool replace(const fs::path& target, const struct stat* old, std::span<const std::uint8_t> bytes, mode_t modeOfNew) {
     const fs::path directory = directoryOf(target);
-    struct stat old {};
-    const bool isReplacement = ::stat(target.c_str(), &old) == 0;
-    TemporaryFile temporary(directory, isReplacement ? kPrivateMode : modeOfNew);
+    TemporaryFile temporary(directory, old != nullptr ? kPrivateMode : modeOfNew);
     // The mode comes before the content: what was private is never readable in between.
-    return temporary.isOpen() && (!isReplacement || temporary.resemble(old)) && temporary.fill(bytes) &&
+    return temporary.isOpen() && (old == nullptr || temporary.resemble(*old)) && temporary.fill(bytes) &&
            temporary.place(target) && syncDirectory(directory);
 }
 
@@ -144,27 +147,34 @@ std::optional<std::vector<std::uint8_t>> NSFileManager::contentsAtPath(const fs:
     if (!descriptor.isOpen() || ::fstat(descriptor.number(), &status) != 0 || !S_ISREG(status.st_mode)) {
         return std::nullopt;
     }
-    // One byte more than it says, so that the end is seen in the same call; files that grow meanwhile are read on.
-    std::vector<std::uint8_t> bytes(static_cast<std::size_t>(status.st_size) + 1);
+    // Room for one byte more than it says: where that stays free, the end has been seen, with no call to look for it.
+    // Files that say nothing of their size, as those of /proc, or that grow meanwhile are read on.
+    const auto expected = static_cast<std::size_t>(status.st_size);
+    std::vector<std::uint8_t> bytes(expected + 1);
     std::size_t size = 0;
-    while (true) {
+    do {
         const ssize_t count = ::read(descriptor.number(), bytes.data() + size, bytes.size() - size);
         if (count < 0 && errno == EINTR) continue;
         if (count < 0) return std::nullopt;
         if (count == 0) break;
         size += static_cast<std::size_t>(count);
         if (size == bytes.size()) bytes.resize(2 * size);
-    }
+    } while (expected == 0 || size != expected);
     bytes.resize(size);
     return bytes;
 }
 
 bool NSFileManager::writeAtomically(const fs::path& path, std::span<const std::uint8_t> bytes) {
     if (!namesAFile(path)) return false;
+    struct stat old {};
+    bool isReplacement = ::lstat(path.c_str(), &old) == 0;
+    if (!isReplacement || !S_ISLNK(old.st_mode)) {
+        return replace(path, isReplacement ? &old : nullptr, bytes, kModeOfNewFiles);
+    }
     std::error_code error;
-    if (!fs::is_symlink(fs::symlink_status(path, error))) return replace(path, bytes, kModeOfNewFiles);
     const fs::path destination = fs::weakly_canonical(path, error);
-    return !error && replace(destination, bytes, kModeOfNewFiles);
+    isReplacement = !error && ::stat(destination.c_str(), &old) == 0;
+    return !error && replace(destination, isReplacement ? &old : nullptr, bytes, kModeOfNewFiles);
 }
 
 NSFileManager::Creation NSFileManager::createPrivateFile(const fs::path& path, std::span<const std::uint8_t> bytes) {
@@ -202,7 +212,7 @@ void NSFileManager::keepAside(const fs::path& file, const fs::path& directory, s
     const std::string prefix = file.filename().string() + ".";
     const std::string name = prefix + std::to_string(std::chrono::nanoseconds(now).count());
     const std::optional<std::vector<std::uint8_t>> bytes = contentsAtPath(file);
-    const bool isCopied = bytes && replace(directory / name, *bytes, kPrivateMode);
+    const bool isCopied = bytes && replace(directory / name, nullptr, *bytes, kPrivateMode);
     if (!isCopied && systemCalls().rename(file.c_str(), (directory / name).c_str()) != 0) return;
 
     std::vector<fs::path> copies;
