@@ -95,8 +95,9 @@ SecItemDictionary ZORKeychain::setupKeychainQueryDictionary(std::u16string_view 
     if (withAccessibility) query.set(kSecAttrAccessible, keychainAttrValue(*withAccessibility));
     if (accessGroup_) query.set(kSecAttrAccessGroup, *accessGroup_);
     if (const std::optional<std::string> encoded = utf8IfWellFormed(forKey)) {
-        query.set(kSecAttrGeneric, Bytes(encoded->begin(), encoded->end()));
-        query.set(kSecAttrAccount, Bytes(encoded->begin(), encoded->end()));
+        Bytes bytes(encoded->begin(), encoded->end());
+        query.set(kSecAttrGeneric, bytes);
+        query.set(kSecAttrAccount, std::move(bytes));
     }
     return query;
 }
@@ -180,19 +181,19 @@ ZORKeychain::Accessibility ZORKeychain::accessibilityOfKey(std::u16string_view k
 }
 
 bool ZORKeychain::setBool(bool value, std::u16string_view forKey, Accessibility withAccessibility) {
-    return setObject(NSNumber(value), forKey, withAccessibility);
+    return setArchive(NSNumber(value), forKey, withAccessibility);
 }
 
 bool ZORKeychain::setInteger(std::int64_t value, std::u16string_view forKey, Accessibility withAccessibility) {
-    return setObject(NSNumber(value), forKey, withAccessibility);
+    return setArchive(NSNumber(value), forKey, withAccessibility);
 }
 
 bool ZORKeychain::setFloat(float value, std::u16string_view forKey, Accessibility withAccessibility) {
-    return setObject(NSNumber(value), forKey, withAccessibility);
+    return setArchive(NSNumber(value), forKey, withAccessibility);
 }
 
 bool ZORKeychain::setDouble(double value, std::u16string_view forKey, Accessibility withAccessibility) {
-    return setObject(NSNumber(value), forKey, withAccessibility);
+    return setArchive(NSNumber(value), forKey, withAccessibility);
 }
 
 bool ZORKeychain::setString(std::u16string_view value, std::u16string_view forKey, Accessibility withAccessibility) {
@@ -205,6 +206,11 @@ bool ZORKeychain::setString(std::u16string_view value, std::u16string_view forKe
 }
 
 bool ZORKeychain::setObject(const ArchivedValue& value, std::u16string_view forKey, Accessibility withAccessibility) {
+    return setArchive(value, forKey, withAccessibility);
+}
+
+// Numbers come straight here: they are read as objects, but not written as such.
+bool ZORKeychain::setArchive(const ArchivedValue& value, std::u16string_view forKey, Accessibility withAccessibility) {
     const Secret archive(NSKeyedArchiver::archivedDataWithRootObject(value));
     return archive && setData(archive.bytes(), forKey, withAccessibility);
 }

@@ -148,7 +148,7 @@ public:
     virtual bool removeAllKeys();
 
 protected:
-    // What `set` calls, one for each type, for a derived class to override.
+    // What `set` calls, one for each type, for a derived class to override. All others end in `setData`.
 
     [[nodiscard]] virtual bool setBool(bool value, std::u16string_view forKey, Accessibility withAccessibility);
     [[nodiscard]] virtual bool setInteger(std::int64_t value, std::u16string_view forKey,
@@ -168,6 +168,8 @@ private:
                                                                               Accessibility withAccessibility) const;
     [[nodiscard]] std::optional<Bytes> bytesOfItem(std::u16string_view returnKey, std::u16string_view forKey,
                                                    Accessibility withAccessibility) const;
+    [[nodiscard]] bool setArchive(const ArchivedValue& value, std::u16string_view forKey,
+                                  Accessibility withAccessibility);
     [[nodiscard]] bool update(std::span<const std::uint8_t> value, std::u16string_view forKey,
                               Accessibility withAccessibility) const;
 
