@@ -26,6 +26,18 @@ public:
         const std::scoped_lock lock(mutex_);
         return value_;
     }
+    /// The value, or what `otherwise` makes where none is set.
+    template <class Otherwise>
+    [[nodiscard]] Value getOr(const Otherwise& otherwise) const {
+        std::optional<Value> value = get();
+        return value ? *std::move(value) : Value(otherwise());
+    }
+    /// What `question` says of the value, which is not copied for it.
+    template <class Question>
+    [[nodiscard]] bool ask(const Question& question) const {
+        const std::scoped_lock lock(mutex_);
+        return question(value_);
+    }
     void set(std::optional<Value> value) {
         const std::scoped_lock lock(mutex_);
         value_.swap(value);
@@ -56,10 +68,16 @@ Settings& settings() {
     return instance;
 }
 
-fs::path baseDirectory(const char* variable, const char* belowHome) {
+// Joined as text: a path takes itself apart each time it is added to.
+std::string below(std::string directory, std::string_view name) {
+    if (directory.back() != '/') directory += '/';
+    return directory += name;
+}
+
+std::string baseDirectory(const char* variable, std::string_view belowHome) {
     if (const char* set = std::getenv(variable); set != nullptr && set[0] == '/') return set;
     const char* home = std::getenv("HOME");
-    return fs::path(home != nullptr && home[0] == '/' ? home : "/") / belowHome;
+    return below(home != nullptr && home[0] == '/' ? home : "/", belowHome);
 }
 
 std::u16string environmentLocale() {
@@ -94,44 +112,53 @@ std::u16string environmentTimeZone() {
 // Not-a-number stands for the system's clock.
 constinit std::atomic<double> standingMoment = std::numeric_limits<double>::quiet_NaN();
 
-fs::path dataDirectory() { return baseDirectory("XDG_DATA_HOME", ".local/share") / "ZORFoundation"; }
+std::string inDataDirectory(std::string_view name) {
+    return below(below(baseDirectory("XDG_DATA_HOME", ".local/share"), "ZORFoundation"), name);
+}
+
+std::string defaultItemStorePath() { return inDataDirectory("items.sqlite"); }
 
 }  // namespace
 
 std::uint64_t hostEnvironmentRevision() noexcept { return revision.load(std::memory_order_acquire); }
 void reviseHostEnvironment() noexcept { revision.fetch_add(1, std::memory_order_acq_rel); }
 
+bool isItemStorePath(const fs::path& path) {
+    return settings().itemStorePath.ask([&path](const std::optional<fs::path>& set) {
+        return set ? path.native() == set->native() : path.native() == defaultItemStorePath();
+    });
+}
+
 fs::path HostEnvironment::documentsDirectory() {
-    return settings().documentsDirectory.get().value_or(dataDirectory() / "Documents");
+    return settings().documentsDirectory.getOr([] { return inDataDirectory("Documents"); });
 }
 void HostEnvironment::setDocumentsDirectory(std::optional<fs::path> directory) {
     settings().documentsDirectory.set(std::move(directory));
 }
 
 fs::path HostEnvironment::libraryResourceDirectory() {
-    return settings().libraryResourceDirectory.get().value_or(ZOR_INSTALLED_RESOURCE_DIRECTORY);
+    return settings().libraryResourceDirectory.getOr([] { return ZOR_INSTALLED_RESOURCE_DIRECTORY; });
 }
 void HostEnvironment::setLibraryResourceDirectory(std::optional<fs::path> directory) {
     settings().libraryResourceDirectory.set(std::move(directory));
 }
 
 fs::path HostEnvironment::mainResourceDirectory() {
-    return settings().mainResourceDirectory.get().value_or(dataDirectory() / "Resources");
+    return settings().mainResourceDirectory.getOr([] { return inDataDirectory("Resources"); });
 }
 void HostEnvironment::setMainResourceDirectory(std::optional<fs::path> directory) {
     settings().mainResourceDirectory.set(std::move(directory));
 }
 
 fs::path HostEnvironment::stateDirectory() {
-    return settings().stateDirectory.get().value_or(baseDirectory("XDG_STATE_HOME", ".local/state") / "ZORFoundation");
+    return settings().stateDirectory.getOr(
+        [] { return below(baseDirectory("XDG_STATE_HOME", ".local/state"), "ZORFoundation"); });
 }
 void HostEnvironment::setStateDirectory(std::optional<fs::path> directory) {
     settings().stateDirectory.set(std::move(directory));
 }
 
-fs::path HostEnvironment::itemStorePath() {
-    return settings().itemStorePath.get().value_or(dataDirectory() / "items.sqlite");
-}
+fs::path HostEnvironment::itemStorePath() { return settings().itemStorePath.getOr(defaultItemStorePath); }
 void HostEnvironment::setItemStorePath(std::optional<fs::path> path) { settings().itemStorePath.set(std::move(path)); }
 
 std::optional<fs::path> HostEnvironment::textLayoutModule() { return settings().textLayoutModule.get(); }

@@ -4,6 +4,7 @@
 // For services that keep what they derived from a setting.
 
 #include <cstdint>
+#include <filesystem>
 
 namespace ZORPlatform {
 
@@ -12,5 +13,8 @@ namespace ZORPlatform {
 
 /// Counts as a change: what was derived from the machine's own settings is derived anew.
 void reviseHostEnvironment() noexcept;
+
+/// Whether `HostEnvironment::itemStorePath()` would give this very path, letter by letter. Thread-safe.
+[[nodiscard]] bool isItemStorePath(const std::filesystem::path& path);
 
 }  // namespace ZORPlatform

@@ -115,6 +115,9 @@ constexpr std::size_t kCodeBytes = 4;
 constexpr std::size_t kLengthBytes = 4;
 constexpr std::size_t kNumberBytes = 8;
 constexpr std::size_t kHeadBytes = kCodeBytes + 1 + kLengthBytes;
+// Room made at once, for what items have as a rule.
+constexpr std::size_t kUsualAttributes = 8;
+constexpr std::size_t kUsualIdentity = 128;
 // Far above what anybody names an item with, and below what four bytes count.
 constexpr std::size_t kLongestPayload = std::size_t{1} << 30;
 
@@ -200,6 +203,7 @@ void appendKeyPart(std::string& identity, std::string_view payload) {
 
 std::string beginningOfClass(const ItemClass& itemClass) {
     std::string identity;
+    identity.reserve(kUsualIdentity);
     appendBigEndian(identity, fourLetterCode(itemClass.name), kCodeBytes);
     return identity;
 }
@@ -281,6 +285,7 @@ void ItemAttributes::set(ItemAttribute attribute) {
             return;
         }
     }
+    if (attributes_.capacity() == 0) attributes_.reserve(kUsualAttributes);
     attributes_.push_back(std::move(attribute));
 }
 

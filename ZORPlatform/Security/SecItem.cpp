@@ -2,6 +2,7 @@
 #include <ZORPlatform/Security/SecItem.h>
 
 #include <ZORPlatform/Foundation/HostEnvironment.h>
+#include <ZORPlatform/Foundation/HostEnvironmentInternal.h>
 #include <ZORPlatform/Foundation/NSFileManager.h>
 #include <ZORPlatform/Security/ItemStoreInternal.h>
 #include <ZORPlatform/Security/SQLiteItemStorageInternal.h>
@@ -100,10 +101,9 @@ private:
     }
 
     OSStatus open() {
-        fs::path path = HostEnvironment::itemStorePath();
-        if (store_ && path == path_ && store_->storage().isCurrent()) return errSecSuccess;
+        if (store_ && isItemStorePath(path_) && store_->storage().isCurrent()) return errSecSuccess;
         store_.reset();
-        path_ = std::move(path);
+        path_ = HostEnvironment::itemStorePath();
         std::unique_ptr<SQLiteItemStorage> storage;
         const OSStatus status = SQLiteItemStorage::open(path_, storage);
         return status == errSecSuccess ? ItemStore::open(std::move(storage), *source_, path_, store_) : status;

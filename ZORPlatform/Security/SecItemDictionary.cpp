@@ -8,6 +8,9 @@
 namespace ZORPlatform {
 namespace {
 
+// What queries and items have, so that room is made once.
+constexpr std::size_t kUsualEntries = 8;
+
 void wipe(std::vector<std::uint8_t>* bytes) noexcept {
     if (bytes != nullptr) ZORPlatform::wipe(bytes->data(), bytes->size());
 }
@@ -30,6 +33,7 @@ void SecItemDictionary::set(std::u16string_view name, SecItemValue value) {
             return;
         }
     }
+    if (entries_.capacity() == 0) entries_.reserve(kUsualEntries);
     entries_.emplace_back(name, std::move(value));
 }
 
