@@ -373,10 +373,19 @@ bool doctor(const Arguments& arguments) {
     return diagnosis.isWell();
 }
 
+/// Folds the log into the file at the end, so that a copy of the file is a copy of the store.
+struct ClosedAtTheEnd {
+    ClosedAtTheEnd() = default;
+    ~ClosedAtTheEnd() { SecItemStore::close(); }
+    ClosedAtTheEnd(const ClosedAtTheEnd&) = delete;
+    ClosedAtTheEnd& operator=(const ClosedAtTheEnd&) = delete;
+};
+
 ExitCode run(const Arguments& arguments) {
     const std::string verb = arguments.words.empty() ? "" : arguments.words[0];
     if (arguments.has("--reference") && verb != "remove") throw UsageError("--reference: only for remove");
     setUp(arguments);
+    const ClosedAtTheEnd closing;
     try {
         if (verb == "doctor") return doctor(arguments) ? ExitCode::success : ExitCode::someInvalid;
         if (verb != "get" && verb != "set" && verb != "remove" && verb != "list") {
@@ -387,12 +396,9 @@ ExitCode run(const Arguments& arguments) {
         if (verb == "remove") remove(arguments);
         if (verb == "list") list(arguments);
     } catch (const Refusal& refusal) {
-        SecItemStore::close();
         writeAll(STDERR_FILENO, std::string("zor: ").append(refusal.what()).append("\n"));
         return ExitCode::someInvalid;
     }
-    // The log is folded into the file, so that a copy of the file is a copy of the store.
-    SecItemStore::close();
     return ExitCode::success;
 }
 

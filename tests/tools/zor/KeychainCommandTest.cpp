@@ -10,6 +10,7 @@
 #include <support/TemporaryDirectory.h>
 
 #include <filesystem>
+#include <iterator>
 #include <string>
 
 namespace zor::testing {
@@ -233,10 +234,12 @@ TEST_F(KeychainCommand, ARelativeStoreIsTakenFromTheWorkingDirectory) {
 }
 
 TEST_F(KeychainCommand, AfterACommandTheStoreIsOneFileAndItsKey) {
-    EXPECT_EQ(keychain({"set", "pin"}, "1234").exitCode, 0);
-    std::size_t files = 0;
-    for ([[maybe_unused]] const fs::directory_entry& entry : fs::directory_iterator(store().parent_path())) ++files;
-    EXPECT_EQ(files, 2U);
+    for (const Words& words : {Words{"set", "pin"}, Words{"get", "pin"}, Words{"get", "missing"}, Words{"list"},
+                               Words{"doctor"}, Words{"remove", "pin"}}) {
+        keychain(words, "1234");
+        const fs::directory_iterator entries(store().parent_path());
+        EXPECT_EQ(std::distance(begin(entries), end(entries)), 2) << words[0];
+    }
 }
 
 TEST_F(KeychainCommand, AValueIsNeverAWordOfTheCommandLine) {
