@@ -5,10 +5,12 @@
 #include <ZORPlatform/Foundation/NSKeyedArchiver.h>
 
 #include <ZORPlatform/Foundation/NSPropertyListSerialization.h>
+#include <ZORPlatform/Foundation/Wiping.h>
 
 #include <map>
 #include <mutex>
 #include <unordered_map>
+#include <utility>
 
 namespace ZORPlatform {
 namespace {
@@ -37,19 +39,34 @@ std::optional<NSCodingEntry> findCoding(Matches matches) {
     return std::nullopt;
 }
 
+// Texts and data among an archive's objects are copies of what may be secret.
+void wipeObjects(List& objects) noexcept {
+    auto* array = objects.as<List::Array>();
+    if (array == nullptr) return;
+    for (List& object : *array) {
+        if (auto* text = object.as<std::u16string>()) wipe(text->data(), text->size() * sizeof(char16_t));
+        if (auto* data = object.as<List::Data>()) wipe(data->data(), data->size());
+    }
+}
+
 struct CannotArchive {};
 
 class Archive {
 public:
     Archive() { objects_.emplace_back(kNothing); }
+    ~Archive() { wipeObjects(list_); }
+    Archive(const Archive&) = delete;
+    Archive& operator=(const Archive&) = delete;
 
     std::optional<std::vector<std::uint8_t>> data(const ArchivedValue& root) {
         const PropertyListUid top = add(root);
-        const List archive = List::Dictionary{{u"$archiver", kArchiverName},
-                                              {u"$objects", std::move(objects_)},
-                                              {u"$top", List::Dictionary{{u"root", top}}},
-                                              {u"$version", kArchiveVersion}};
-        return NSPropertyListSerialization::dataWithPropertyList(archive, NSPropertyListFormat::binary_v1_0);
+        List archive = List::Dictionary{
+            {u"$archiver", kArchiverName}, {u"$top", List::Dictionary{{u"root", top}}}, {u"$version", kArchiveVersion}};
+        List& objects = archive.as<List::Dictionary>()->try_emplace(u"$objects").first->second;
+        std::swap(objects, list_);
+        auto bytes = NSPropertyListSerialization::dataWithPropertyList(archive, NSPropertyListFormat::binary_v1_0);
+        std::swap(objects, list_);
+        return bytes;
     }
 
     PropertyListUid add(const ArchivedValue& value) {
@@ -160,7 +177,8 @@ private:
         return {objects_.size() - 1};
     }
 
-    List::Array objects_;
+    List list_ = List::Array();
+    List::Array& objects_ = *list_.as<List::Array>();
     std::map<std::u16string_view, PropertyListUid> classes_;
     std::unordered_map<const NSCoding*, PropertyListUid> shared_;
     std::size_t depth_ = 0;
@@ -342,11 +360,23 @@ private:
     std::size_t depth_ = 0;
 };
 
-const List* under(const List& list, std::u16string_view key) {
-    const auto* dictionary = list.as<List::Dictionary>();
+template <class AList>
+AList* under(AList& list, std::u16string_view key) {
+    auto* dictionary = list.template as<List::Dictionary>();
     if (dictionary == nullptr) return nullptr;
     const auto found = dictionary->find(key);
     return found != dictionary->end() ? &found->second : nullptr;
+}
+
+std::optional<ArchivedValue> valueIn(const List& archive, const List& objects, std::size_t size) {
+    const List* archiver = under(archive, u"$archiver");
+    const List* top = under(archive, u"$top");
+    const List* root = top != nullptr ? under(*top, u"root") : nullptr;
+    const auto* array = objects.as<List::Array>();
+    if (archiver == nullptr || root == nullptr || array == nullptr || *archiver != List(kArchiverName)) {
+        return std::nullopt;
+    }
+    return Unarchive(*array, size).value(*root);
 }
 
 }  // namespace
@@ -381,18 +411,13 @@ std::optional<std::vector<std::uint8_t>> NSKeyedArchiver::archivedDataWithRootOb
 
 std::optional<ArchivedValue> NSKeyedUnarchiver::unarchiveObjectWithData(std::span<const std::uint8_t> data) {
     NSPropertyListFormat format{};
-    const std::optional<List> archive = NSPropertyListSerialization::propertyListWithData(data, &format);
+    std::optional<List> archive = NSPropertyListSerialization::propertyListWithData(data, &format);
     if (!archive || format == NSPropertyListFormat::openStep) return std::nullopt;
-    const List* archiver = under(*archive, u"$archiver");
-    const List* objects = under(*archive, u"$objects");
-    const List* top = under(*archive, u"$top");
-    const List* root = top != nullptr ? under(*top, u"root") : nullptr;
-    if (archiver == nullptr || objects == nullptr || root == nullptr || *archiver != List(kArchiverName)) {
-        return std::nullopt;
-    }
-    const auto* array = objects->as<List::Array>();
-    if (array == nullptr) return std::nullopt;
-    return Unarchive(*array, data.size()).value(*root);
+    List* objects = under(*archive, u"$objects");
+    if (objects == nullptr) return std::nullopt;
+    std::optional<ArchivedValue> value = valueIn(std::as_const(*archive), std::as_const(*objects), data.size());
+    wipeObjects(*objects);
+    return value;
 }
 
 }  // namespace ZORPlatform

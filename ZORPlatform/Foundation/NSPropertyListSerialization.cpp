@@ -4,6 +4,7 @@
 #include <ZORPlatform/Foundation/NSException.h>
 #include <ZORPlatform/Foundation/PropertyListFormsInternal.h>
 #include <ZORPlatform/Foundation/Utf.h>
+#include <ZORPlatform/Foundation/Wiping.h>
 
 #include <algorithm>
 
@@ -28,7 +29,11 @@ Reading readAnyForm(std::span<const std::uint8_t> bytes) {
     }
     // The XML parser worked in place, and files that are no XML are rare: the text is made a second time.
     text = PropertyListForms::textOfBytes(bytes);
-    return {PropertyListForms::readOldStyle(utf16(*text)), NSPropertyListFormat::openStep};
+    std::u16string units = utf16(*text);
+    Reading reading{PropertyListForms::readOldStyle(units), NSPropertyListFormat::openStep};
+    wipe(text->data(), text->size());
+    wipe(units.data(), units.size() * sizeof(char16_t));
+    return reading;
 }
 
 }  // namespace

@@ -243,6 +243,9 @@ public:
     std::optional<std::vector<std::uint8_t>> document(const PropertyListValue& list) {
         if (!number(list, 0)) return std::nullopt;
         referenceSize_ = bytesFor(objects_.size() - 1);
+        // Room for all, so that nothing is left behind by growing: what is archived may be secret.
+        const std::size_t most = kHeader.size() + longestContent_ + references_.size() * referenceSize_;
+        bytes_.reserve(most + objects_.size() * bytesFor(most) + kTrailerSize);
         append(kHeader);
         std::vector<std::uint64_t> offsets;
         offsets.reserve(objects_.size());
@@ -274,7 +277,7 @@ private:
     // of their elements are kept, in the same order, for writing.
     bool number(const PropertyListValue& list, std::size_t depth) {
         if (depth >= kMaximumDepth) return false;
-        objects_.push_back({&list, nullptr});
+        add({&list, nullptr});
         if (const auto* array = list.as<PropertyListValue::Array>()) {
             std::size_t at = reserveReferences(array->size());
             for (const PropertyListValue& element : *array) {
@@ -299,6 +302,28 @@ private:
         return true;
     }
 
+    void add(Object object) {
+        objects_.push_back(object);
+        longestContent_ += object.key != nullptr
+                               ? longestSize(*object.key)
+                               : object.value->visit([](const auto& content) { return longestSize(content); });
+    }
+
+    // Most bytes that an object can take, without the references of a container.
+    template <class Content>
+    static std::size_t longestSize(const Content& content) noexcept {
+        constexpr std::size_t kLongestHead = 1 + 1 + 8;
+        if constexpr (std::is_same_v<Content, std::u16string>) {
+            return kLongestHead + content.size() * sizeof(char16_t);
+        } else if constexpr (std::is_same_v<Content, PropertyListValue::Data>) {
+            return kLongestHead + content.size();
+        } else if constexpr (std::is_same_v<Content, std::uint64_t>) {
+            return 1 + 16;
+        } else {
+            return kLongestHead;
+        }
+    }
+
     std::size_t reserveReferences(std::size_t count) {
         const std::size_t begin = references_.size();
         references_.resize(begin + count);
@@ -315,11 +340,11 @@ private:
 
     std::size_t numberOfText(std::u16string_view text, Object object) {
         if (text.size() > kLongestSharedText) {
-            objects_.push_back(object);
+            add(object);
             return objects_.size() - 1;
         }
         const auto [found, isNew] = texts_.try_emplace(text, objects_.size());
-        if (isNew) objects_.push_back(object);
+        if (isNew) add(object);
         return found->second;
     }
 
@@ -422,6 +447,7 @@ private:
     void append(std::string_view content) { bytes_.insert(bytes_.end(), content.begin(), content.end()); }
 
     std::vector<Object> objects_;
+    std::size_t longestContent_ = 0;
     std::vector<std::size_t> references_;
     std::unordered_map<std::u16string_view, std::size_t> texts_;
     std::vector<std::uint8_t> bytes_;

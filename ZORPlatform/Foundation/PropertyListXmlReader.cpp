@@ -100,6 +100,10 @@ public:
     explicit ElementText(const pugi::xml_node& element) : view_(element.value()) {
         const pugi::xml_node first = element.first_child();
         if (!first && view_.find('&') == std::string_view::npos) return;
+        // Decoding makes nothing longer, so there is one copy, and it can be wiped.
+        std::size_t size = view_.size();
+        for (pugi::xml_node child = first; child; child = child.next_sibling()) size += std::strlen(child.value());
+        joined_.reserve(size);
         wellFormed_ = appendDecoded(joined_, view_);
         for (pugi::xml_node child = first; child && wellFormed_; child = child.next_sibling()) {
             if (child.type() == pugi::node_cdata) {
@@ -110,6 +114,7 @@ public:
         }
         view_ = joined_;
     }
+    ~ElementText() { wipe(joined_.data(), joined_.size()); }
     ElementText(const ElementText&) = delete;
     ElementText& operator=(const ElementText&) = delete;
 

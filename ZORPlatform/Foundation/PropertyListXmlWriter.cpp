@@ -2,6 +2,7 @@
 #include <ZORPlatform/Foundation/Base64.h>
 #include <ZORPlatform/Foundation/GregorianDayInternal.h>
 #include <ZORPlatform/Foundation/PropertyListFormsInternal.h>
+#include <ZORPlatform/Foundation/Wiping.h>
 
 #include <algorithm>
 #include <array>
@@ -34,7 +35,10 @@ public:
         append(kHeader);
         value(list, 0);
         append(kFooter);
-        if (failed_) return std::nullopt;
+        if (failed_) {
+            wipe(bytes_.data(), size_);
+            return std::nullopt;
+        }
         bytes_.resize(size_);
         return std::move(bytes_);
     }
@@ -220,8 +224,16 @@ private:
 
     // Where the next `count` bytes go. The vector is kept larger than what is written, so most calls only add.
     char* room(std::size_t count) {
-        if (bytes_.size() - size_ < count) bytes_.resize(std::max(bytes_.size() * 2, size_ + count + 4096));
+        if (bytes_.size() - size_ < count) grow(std::max(bytes_.size() * 2, size_ + count + 4096));
         return reinterpret_cast<char*>(bytes_.data() + size_);
+    }
+
+    // What is left behind is wiped: the list may be the content of an encrypted file.
+    void grow(std::size_t size) {
+        std::vector<std::uint8_t> larger(size);
+        std::copy_n(bytes_.begin(), size_, larger.begin());
+        wipe(bytes_.data(), size_);
+        bytes_ = std::move(larger);
     }
 
     std::vector<std::uint8_t> bytes_;
