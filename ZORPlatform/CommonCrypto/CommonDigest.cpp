@@ -78,13 +78,27 @@ void digestOnce(CCDigestAlgorithm algorithm, std::span<const std::uint8_t> data,
 
 EVP_MD_CTX* DigestContextTraits::create() noexcept { return EVP_MD_CTX_new(); }
 
-// Of some algorithms, what remained after the last whole block stays in the context until it is reset.
-bool DigestContextTraits::clean(EVP_MD_CTX* context) noexcept { return EVP_MD_CTX_reset(context) == 1; }
+// A reset would give back memory that the next digest has to ask for again, which takes as long as a short digest does.
+// To begin anew is enough where that clears the block that waited for more bytes. Where blocks are long it does not, so
+// zeros take its place, up to the last byte, which holds a part of the length.
+bool DigestContextTraits::clean(EVP_MD_CTX* context) noexcept {
+    constexpr std::size_t kClearedBlock = 64;
+    static constexpr std::array<std::uint8_t, 127> kZeros{};
+    const EVP_MD* algorithm = EVP_MD_CTX_get0_md(context);
+    if (algorithm == nullptr) return true;
+    if (EVP_DigestInit_ex2(context, algorithm, nullptr) != 1) return false;
+    if (static_cast<std::size_t>(EVP_MD_get_block_size(algorithm)) <= kClearedBlock) return true;
+    return EVP_DigestUpdate(context, kZeros.data(), kZeros.size()) == 1 &&
+           EVP_DigestInit_ex2(context, algorithm, nullptr) == 1;
+}
 
 void DigestContextTraits::destroy(EVP_MD_CTX* context) noexcept { EVP_MD_CTX_free(context); }
 
 CCDigest::CCDigest(CCDigestAlgorithm algorithm) {
-    require(EVP_DigestInit_ex2(context_.get(), fetched(algorithm), nullptr));
+    const EVP_MD* wanted = fetched(algorithm);
+    // A context that was kept is at the beginning of its algorithm.
+    if (EVP_MD_CTX_get0_md(context_.get()) == wanted) return;
+    require(EVP_DigestInit_ex2(context_.get(), wanted, nullptr));
 }
 
 void CCDigest::update(std::span<const std::uint8_t> data) {

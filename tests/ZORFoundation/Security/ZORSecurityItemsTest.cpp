@@ -4,6 +4,7 @@
 #include <ZORFoundation/Security/CommonCryptoErrorDomain.h>
 #include <ZORFoundation/Security/ZORSecurity.h>
 #include <ZORPlatform/Foundation/HostEnvironment.h>
+#include <ZORPlatform/Foundation/Wiping.h>
 #include <ZORPlatform/Security/SecItem.h>
 #include <ZORPlatform/Security/SecItemStore.h>
 
@@ -11,6 +12,7 @@
 
 #include <support/Certificates.h>
 #include <support/OpensslCommand.h>
+#include <support/Secret.h>
 #include <support/TemporaryDirectory.h>
 
 #include <cstdint>
@@ -109,6 +111,19 @@ TEST_F(ZORSecurityItems, EachVariantRemovesItsOwnItemOnly) {
 TEST_F(ZORSecurityItems, AStoreHoldsOneOfTheTwoVariantsAtATime) {
     ASSERT_EQ(add(ZORSecurity::fpKeychainItem(), kFpKey), errSecSuccess);
     EXPECT_EQ(add(ZORSecurity::fpKeychainItemWatch(), kFpKey), ZORPlatform::errSecDuplicateItem);
+}
+
+TEST_F(ZORSecurityItems, ReadingTheFpKeyLeavesNoOtherCopyOfIt) {
+    const support::Secret secret(16);
+    Bytes key(secret.size());
+    secret.write(key.data());
+    ASSERT_EQ(add(ZORSecurity::fpKeychainItem(), key), errSecSuccess);
+    ZORPlatform::wipe(key.data(), key.size());
+    EXPECT_EQ(secret.copies(), 0U);
+    std::optional<Bytes> found = ZORSecurity::fpKey_regular();
+    EXPECT_EQ(secret.copies(), 1U) << "the result";
+    ZORPlatform::wipe(found.value().data(), found->size());
+    EXPECT_EQ(secret.copies(), 0U);
 }
 
 TEST_F(ZORSecurityItems, AStoreThatCannotBeReadHoldsNoFpKey) {

@@ -155,6 +155,12 @@ TEST(ZORSecurity, WithoutAVectorShortDataReportsTheCiphersErrorAndNotItsLength) 
     }
 }
 
+TEST(ZORSecurity, AVectorWithNothingBehindItIsNoCiphertext) {
+    ErrorSlot error;
+    EXPECT_FALSE(ZORSecurity::decrypt_AES128_CBC_PKCS7(Bytes(16), kKey, std::nullopt, &error));
+    EXPECT_EQ(error, errorWithCCCryptorStatus(-4303));
+}
+
 TEST(ZORSecurity, AnOperationThatSucceedsEmptiesTheError) {
     ErrorSlot error = kOldError;
     EXPECT_TRUE(ZORSecurity::encrypt_AES128_ECB_PKCS7(kPlain, kKey, &error));
