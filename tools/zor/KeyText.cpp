@@ -71,6 +71,8 @@ public:
             if (line[filled - 1] == '\n') break;
         }
         writeAll(descriptor_, "\n");
+        // Not even a line end: whoever ends the input has given no key, and none is not the empty one.
+        if (filled == 0) throw UsageError("no key was typed");
         return withoutLineEnd({line.data(), filled}).size();
     }
 

@@ -20,7 +20,7 @@ public:
     /// A line typed at the terminal, without echo.
     ///
     /// @param twice  asks again and compares, where a slip would cost the data
-    /// @throws UsageError without a terminal, and when the two lines differ
+    /// @throws UsageError without a terminal, when the input ends instead, and when the two lines differ
     static KeyText fromTerminal(bool twice);
 
     KeyText(const KeyText&) = delete;

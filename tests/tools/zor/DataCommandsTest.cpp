@@ -221,6 +221,16 @@ TEST_F(DataCommands, TheTerminalAsksForTheKeyAndDoesNotShowIt) {
     EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 2);
 }
 
+TEST_F(DataCommands, TheEndOfTheInputIsNoKeyAndAnEmptyLineIsTheEmptyOne) {
+    const std::string plain = file("plain", "text");
+    const std::string endOfInput = "\x04";
+    int status = 0;
+    typed({endOfInput, endOfInput}, {"encrypt", "--cipher=aes256", plain}, status);
+    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 2);
+    const std::string sealed = file("sealed", runZor({"encrypt", "--cipher=aes256", keyFile("")}, "text").out);
+    EXPECT_TRUE(typed({""}, {"decrypt", "--cipher=aes256", sealed}, status).ends_with("text"));
+}
+
 TEST_F(DataCommands, AKeyIsNeverAWordOfTheCommandLine) {
     EXPECT_EQ(runZor({"encrypt", "--cipher=aes256", "--key=secret"}, "text").exitCode, 2);
     EXPECT_EQ(runZor({"encrypt", "--cipher=aes256", "file", "secret"}, "text").exitCode, 2);
