@@ -57,11 +57,61 @@ char16_t* writeLineBreak(std::u16string_view lineBreak, char16_t* to) noexcept {
     return to;
 }
 
+// A group of one byte or two, and its padding.
+void writePaddedGroup(std::span<const std::uint8_t> bytes, char16_t* units) noexcept {
+    const unsigned first = bytes[0];
+    const unsigned second = bytes.size() == 2 ? bytes[1] : 0;
+    units[0] = characterOf(first >> 2);
+    units[1] = characterOf((first << 4 | second >> 4) & 0x3F);
+    units[2] = bytes.size() == 2 ? characterOf(second << 2 & 0x3F) : u'=';
+    units[3] = u'=';
+}
+
+std::u16string shortLine(std::span<const std::uint8_t> bytes, std::size_t units) {
+    std::u16string text = TextAssembly::zeros(units);
+    const std::size_t groups = bytes.size() / 3;
+    functions().encode(bytes.data(), groups, text.data());
+    if (bytes.size() != 3 * groups) writePaddedGroup(bytes.subspan(3 * groups), text.data() + 4 * groups);
+    return text;
+}
+
+std::u16string longLine(std::span<const std::uint8_t> bytes, std::size_t units) {
+    Base64Writer writer(units);
+    writer.append(bytes);
+    return writer.finish();
+}
+
+// Longer texts are worth the steps of a reader, which never goes over a character twice.
+constexpr std::size_t kLongestPlainText = 1024;
+
 Base64Stop stopFor(std::uint8_t code) noexcept {
     return code == kEndsText ? Base64Stop::kPadding : Base64Stop::kNotAscii;
 }
 
 }  // namespace
+
+std::u16string base64Line(std::span<const std::uint8_t> bytes) {
+    const std::size_t units = base64Units(bytes.size());
+    return units <= TextAssembly::kShortUnits ? shortLine(bytes, units) : longLine(bytes, units);
+}
+
+std::optional<std::size_t> decodePlainText(std::u16string_view text, std::uint8_t* bytes) noexcept {
+    if (text.size() > kLongestPlainText || text.size() % 4 != 0 || text.empty()) return std::nullopt;
+    const std::size_t padding = text.back() != u'=' ? 0 : text[text.size() - 2] != u'=' ? 1 : 2;
+    const std::size_t groups = text.size() / 4 - (padding == 0 ? 0 : 1);
+    if (functions().decode(text.data(), groups, bytes) != groups) return std::nullopt;
+    if (padding == 0) return 3 * groups;
+
+    const Codes& codes = kCodes[static_cast<std::size_t>(Base64Padding::kEnds)];
+    const char16_t* const last = text.data() + 4 * groups;
+    const unsigned first = codeOf(last[0], codes);
+    const unsigned second = codeOf(last[1], codes);
+    const unsigned third = padding == 1 ? codeOf(last[2], codes) : 0;
+    if ((first | second | third) >= kSkipped) return std::nullopt;
+    bytes[3 * groups] = static_cast<std::uint8_t>(first << 2 | second >> 4);
+    bytes[3 * groups + 1] = static_cast<std::uint8_t>(second << 4 | third >> 2);
+    return 3 * groups + 3 - padding;
+}
 
 void Base64Writer::append(std::span<const std::uint8_t> bytes) {
     constexpr std::size_t kPieceGroups = TextAssembly::kChunkUnits / 4;
@@ -70,14 +120,7 @@ void Base64Writer::append(std::span<const std::uint8_t> bytes) {
         functions().encode(bytes.data(), groups, text_.room(4 * groups));
         bytes = bytes.subspan(3 * groups);
     }
-    if (bytes.empty()) return;
-    const unsigned first = bytes[0];
-    const unsigned second = bytes.size() == 2 ? bytes[1] : 0;
-    char16_t* const units = text_.room(4);
-    units[0] = characterOf(first >> 2);
-    units[1] = characterOf((first << 4 | second >> 4) & 0x3F);
-    units[2] = bytes.size() == 2 ? characterOf(second << 2 & 0x3F) : u'=';
-    units[3] = u'=';
+    if (!bytes.empty()) writePaddedGroup(bytes, text_.room(4));
 }
 
 void Base64Writer::append(std::u16string_view lineBreak) { writeLineBreak(lineBreak, text_.room(lineBreak.size())); }
@@ -92,15 +135,15 @@ void Base64Writer::appendLines(const std::uint8_t* bytes, std::size_t lines, std
         }
         return;
     }
-    const auto encode = functions().encode;
     while (lines != 0) {
         const std::size_t fits = std::min(lines, kLinesAtOnce);
         const std::size_t linesAtOnce = fits * lineUnits <= TextAssembly::kChunkUnits ? fits : 1;
         char16_t* to = text_.room(linesAtOnce * lineUnits);
-        for (std::size_t line = 0; line < linesAtOnce; ++line, bytes += lineBytes) {
-            encode(bytes, lineBytes / 3, to);
+        functions().encodeLines(bytes, linesAtOnce, lineBytes / 3, to, lineUnits);
+        for (std::size_t line = 0; line < linesAtOnce; ++line) {
             to = writeLineBreak(lineBreak, to + lineUnits - lineBreak.size());
         }
+        bytes += linesAtOnce * lineBytes;
         lines -= linesAtOnce;
     }
 }

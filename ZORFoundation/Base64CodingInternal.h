@@ -11,6 +11,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -21,6 +22,16 @@ namespace ZORFoundation {
 [[nodiscard]] constexpr std::size_t base64Units(std::size_t bytes) noexcept {
     return bytes / 3 * 4 + (bytes % 3 == 0 ? 0 : 4);
 }
+
+/// One line of Base64, however long, padded where it must be.
+[[nodiscard]] std::u16string base64Line(std::span<const std::uint8_t> bytes);
+
+/// Decodes the Base64 text that both codecs read alike and that most texts are: short, whole groups without anything
+/// between them, of which the last may be padded.
+///
+/// @param bytes  room for three bytes for each four characters
+/// @return the number of bytes; absent for any other text
+[[nodiscard]] std::optional<std::size_t> decodePlainText(std::u16string_view text, std::uint8_t* bytes) noexcept;
 
 /// Writes one Base64 text.
 class Base64Writer {

@@ -20,17 +20,11 @@ constexpr std::u16string_view kLineBreak = u"\n";
 
 }  // namespace
 
-std::u16string zor_base64Encoding(std::span<const std::uint8_t> data) {
-    return zor_base64EncodingWithLineLength(data, 0);
-}
+std::u16string zor_base64Encoding(std::span<const std::uint8_t> data) { return base64Line(data); }
 
 std::u16string zor_base64EncodingWithLineLength(std::span<const std::uint8_t> data, std::size_t lineLength) {
     const std::size_t units = base64Units(data.size());
-    if (lineLength == 0 || lineLength > units) {
-        Base64Writer writer(units);
-        writer.append(data);
-        return writer.finish();
-    }
+    if (lineLength == 0 || lineLength > units) return base64Line(data);
     const std::size_t lineGroups = (lineLength + 3) / 4;
     const std::size_t lineBytes = 3 * lineGroups;
     Base64Writer writer(units + units / (4 * lineGroups));
@@ -49,9 +43,16 @@ std::vector<std::uint8_t> zor_dataWithBase64EncodedString(std::u16string_view st
 
 std::vector<std::uint8_t> initWithBase64EncodedString(std::u16string_view string) {
     std::vector<std::uint8_t> bytes(string.size() / 4 * 3 + 2);
+    if (const auto length = decodePlainText(string, bytes.data())) {
+        bytes.resize(*length);
+        return bytes;
+    }
     Base64Reader reader(Base64Padding::kEnds);
     const Base64Reader::Progress progress = reader.read(string, bytes.data());
-    if (progress.stop == Base64Stop::kNotAscii || !isAscii(string.substr(progress.units))) return {};
+    if (progress.stop == Base64Stop::kNotAscii || !isAscii(string.substr(progress.units))) {
+        bytes.clear();
+        return bytes;
+    }
 
     const Base64End end = endOfPaddedText(reader, progress.stop == Base64Stop::kPadding);
     std::copy_n(end.bytes.begin(), end.count, bytes.data() + progress.bytes);

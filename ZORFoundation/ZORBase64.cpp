@@ -23,7 +23,8 @@ constexpr std::u16string_view kLineBreak = u"\r\n";
 }  // namespace
 
 std::u16string zor_base64EncodedString(std::span<const std::uint8_t> data) {
-    const std::size_t lineBreaks = data.empty() ? 0 : (data.size() - 1) / kLineBytes;
+    if (data.size() <= kLineBytes) return base64Line(data);
+    const std::size_t lineBreaks = (data.size() - 1) / kLineBytes;
     Base64Writer writer(base64Units(data.size()) + kLineBreak.size() * lineBreaks);
     writer.appendLines(data.data(), lineBreaks, kLineBytes, kLineBreak);
     writer.append(data.subspan(lineBreaks * kLineBytes));
@@ -32,9 +33,16 @@ std::u16string zor_base64EncodedString(std::span<const std::uint8_t> data) {
 
 std::vector<std::uint8_t> zor_dataFromBase64String(std::u16string_view string) {
     std::vector<std::uint8_t> bytes(string.size() / 4 * 3 + 2);
+    if (const auto length = decodePlainText(string, bytes.data())) {
+        bytes.resize(*length);
+        return bytes;
+    }
     Base64Reader reader(Base64Padding::kIsSkipped);
     const Base64Reader::Progress progress = reader.read(string, bytes.data());
-    if (progress.stop != Base64Stop::kEndOfText) return {};
+    if (progress.stop != Base64Stop::kEndOfText) {
+        bytes.clear();
+        return bytes;
+    }
 
     const Base64End end = endOfSkippingText(reader);
     std::size_t length = progress.bytes;

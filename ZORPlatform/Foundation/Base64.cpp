@@ -35,6 +35,11 @@ void encodePortable(const std::uint8_t* bytes, std::size_t groups, Unit* text) {
     }
 }
 
+template <typename Unit, void (*kEncode)(const std::uint8_t*, std::size_t, Unit*)>
+void encodeLinesBy(const std::uint8_t* bytes, std::size_t lines, std::size_t groups, Unit* text, std::size_t stride) {
+    for (; lines != 0; --lines, bytes += 3 * groups, text += stride) kEncode(bytes, groups, text);
+}
+
 template <typename Unit>
 unsigned valueOf(Unit unit) noexcept {
     const auto code = static_cast<std::make_unsigned_t<Unit>>(unit);
@@ -252,13 +257,14 @@ template <typename Unit>
 // far that it is a whole one. A mask would do, too, but a masked step occupies all 64 bytes: what lies behind the text,
 // often its result, is then waited for.
 
-[[gnu::target("avx512bw,avx512vbmi")]] inline void storeCharacters(char* text, __m512i characters) {
+[[gnu::target("avx512bw,avx512vbmi")]] inline void storePacked(char* text, __m512i characters) {
     _mm512_storeu_si512(text, characters);
 }
 
-[[gnu::target("avx512bw,avx512vbmi")]] inline void storeCharacters(char16_t* text, __m512i characters) {
-    _mm512_storeu_si512(text, _mm512_cvtepu8_epi16(_mm512_castsi512_si256(characters)));
-    _mm512_storeu_si512(text + 32, _mm512_cvtepu8_epi16(_mm512_extracti64x4_epi64(characters, 1)));
+[[gnu::target("avx512bw,avx512vbmi")]] inline void storePacked(char16_t* text, __m512i characters) {
+    const __m512i zero = _mm512_setzero_si512();
+    _mm512_storeu_si512(text, _mm512_unpacklo_epi8(characters, zero));
+    _mm512_storeu_si512(text + 32, _mm512_unpackhi_epi8(characters, zero));
 }
 
 [[gnu::target("avx512bw,avx512vbmi")]] inline void storeCharacters(char* text, __m512i characters, __mmask64 mask) {
@@ -301,21 +307,48 @@ constexpr std::uint64_t lowestBits(std::size_t count) noexcept {
 
 constexpr std::size_t kGroupsOf512 = 16;
 
-// For each 32-bit lane, the bytes b1 b0 b2 b1 of its group.
-constexpr std::array<std::uint8_t, 64> kSpread512 = [] {
+// For each 32-bit lane, the bytes b1 b0 b2 b1 of its group. `groupIn` says which group that is.
+template <typename GroupIn>
+constexpr std::array<std::uint8_t, 64> spreading512(GroupIn groupIn) {
     std::array<std::uint8_t, 64> order{};
     for (std::size_t i = 0; i < 64; ++i) {
-        order[i] = static_cast<std::uint8_t>(i / 4 * 3 + std::array<std::size_t, 4>{1, 0, 2, 1}[i % 4]);
+        order[i] = static_cast<std::uint8_t>(3 * groupIn(i / 4) + std::array<std::size_t, 4>{1, 0, 2, 1}[i % 4]);
     }
     return order;
-}();
+}
 
-// The three bytes of each 32-bit lane, highest first.
-constexpr std::array<std::uint8_t, 64> kJoin512 = [] {
+constexpr std::array<std::uint8_t, 64> kSpread512 = spreading512([](std::size_t lane) { return lane; });
+
+// Characters become units of 16 bits, and these become characters, quickest within 128 bits: two groups of the first 32
+// units, two of the second 32, and so on. That is the packed order.
+template <typename Unit>
+constexpr std::array<std::uint8_t, 64> kSpreadPacked512 = spreading512([](std::size_t lane) {
+    return sizeof(Unit) == 1 ? lane : lane / 4 * 2 + lane % 4 / 2 * 8 + lane % 2;
+});
+
+// The three bytes of each 32-bit lane, highest first. `laneOf` says in which lane a group is.
+template <typename LaneOf>
+constexpr std::array<std::uint8_t, 64> joining512(LaneOf laneOf) {
     std::array<std::uint8_t, 64> order{};
-    for (std::size_t i = 0; i < 48; ++i) order[i] = static_cast<std::uint8_t>(i / 3 * 4 + 2 - i % 3);
+    for (std::size_t i = 0; i < 48; ++i) order[i] = static_cast<std::uint8_t>(4 * laneOf(i / 3) + 2 - i % 3);
     return order;
-}();
+}
+
+constexpr std::array<std::uint8_t, 64> kJoin512 = joining512([](std::size_t group) { return group; });
+
+template <typename Unit>
+constexpr std::array<std::uint8_t, 64> kJoinPacked512 = joining512([](std::size_t group) {
+    return sizeof(Unit) == 1 ? group : group % 8 / 2 * 4 + group / 8 * 2 + group % 2;
+});
+
+// Units above 0xFF saturate to 0x00 or 0xFF, neither of which is in the alphabet.
+[[gnu::target("avx512bw,avx512vbmi")]] inline __m512i loadPacked512(const char* text) {
+    return _mm512_loadu_si512(text);
+}
+
+[[gnu::target("avx512bw,avx512vbmi")]] inline __m512i loadPacked512(const char16_t* text) {
+    return _mm512_packus_epi16(_mm512_loadu_si512(text), _mm512_loadu_si512(text + 32));
+}
 
 // The bytes of kGroupsOf512 groups, and no more.
 [[gnu::target("avx512bw,avx512vbmi")]] inline __m512i loadGroups512(const std::uint8_t* bytes) {
@@ -328,30 +361,49 @@ constexpr std::array<std::uint8_t, 64> kJoin512 = [] {
     _mm_storeu_si128(reinterpret_cast<__m128i*>(bytes + 32), _mm512_extracti32x4_epi32(joined, 2));
 }
 
+// Four values of six bits in each 32-bit lane become three bytes.
+[[gnu::target("avx512bw,avx512vbmi")]] inline __m512i triples512(__m512i values) {
+    const __m512i pairs = _mm512_maddubs_epi16(values, _mm512_set1_epi32(0x01400140));
+    return _mm512_madd_epi16(pairs, _mm512_set1_epi32(0x00011000));
+}
+
 template <typename Unit>
-[[gnu::target("avx512bw,avx512vbmi")]] void encodeAVX512(const std::uint8_t* bytes, std::size_t groups, Unit* text) {
-    const __m512i spread = _mm512_loadu_si512(kSpread512.data());
+[[gnu::target("avx512bw,avx512vbmi"), gnu::always_inline]] inline void encodeLine512(const std::uint8_t* bytes,
+                                                                                     std::size_t groups, Unit* text) {
     const __m512i alphabet = _mm512_loadu_si512(kBase64Alphabet.data());
     // Where the four values begin in a lane of b1 b0 b2 b1, for both lanes of 64 bits.
     const __m512i shifts = _mm512_set1_epi64(0x3036242A1016040A);
-    const auto charactersOf = [&](__m512i in) __attribute__((target("avx512bw,avx512vbmi"))) {
-        const __m512i values = _mm512_multishift_epi64_epi8(shifts, _mm512_permutexvar_epi8(spread, in));
+    const auto charactersOf = [&](__m512i lanes) __attribute__((target("avx512bw,avx512vbmi"))) {
         // The lookup reads the lower six bits of each index only.
-        return _mm512_permutexvar_epi8(values, alphabet);
+        return _mm512_permutexvar_epi8(_mm512_multishift_epi64_epi8(shifts, lanes), alphabet);
     };
     if (groups < kGroupsOf512) {
         if (groups == 0) return;
         const __m512i in = _mm512_maskz_loadu_epi8(lowestBits(3 * groups), bytes);
-        storeCharacters(text, charactersOf(in), lowestBits(4 * groups));
+        const __m512i lanes = _mm512_permutexvar_epi8(_mm512_loadu_si512(kSpread512.data()), in);
+        storeCharacters(text, charactersOf(lanes), lowestBits(4 * groups));
         return;
     }
+    const __m512i spread = _mm512_loadu_si512(kSpreadPacked512<Unit>.data());
+    const auto encodeAt = [&](std::size_t at) __attribute__((target("avx512bw,avx512vbmi"))) {
+        const __m512i lanes = _mm512_permutexvar_epi8(spread, loadGroups512(bytes + 3 * at));
+        storePacked(text + 4 * at, charactersOf(lanes));
+    };
     std::size_t done = 0;
-    for (; groups - done >= kGroupsOf512; done += kGroupsOf512) {
-        storeCharacters(text + 4 * done, charactersOf(loadGroups512(bytes + 3 * done)));
-    }
-    if (done == groups) return;
-    done = groups - kGroupsOf512;
-    storeCharacters(text + 4 * done, charactersOf(loadGroups512(bytes + 3 * done)));
+    for (; groups - done >= kGroupsOf512; done += kGroupsOf512) encodeAt(done);
+    if (done != groups) encodeAt(groups - kGroupsOf512);
+}
+
+template <typename Unit>
+[[gnu::target("avx512bw,avx512vbmi")]] void encodeAVX512(const std::uint8_t* bytes, std::size_t groups, Unit* text) {
+    encodeLine512(bytes, groups, text);
+}
+
+// A line of usual length is one or two steps, so what comes before and behind them is done once for all lines.
+template <typename Unit>
+[[gnu::target("avx512bw,avx512vbmi")]] void encodeLinesAVX512(const std::uint8_t* bytes, std::size_t lines,
+                                                              std::size_t groups, Unit* text, std::size_t stride) {
+    for (; lines != 0; --lines, bytes += 3 * groups, text += stride) encodeLine512(bytes, groups, text);
 }
 
 template <typename Unit>
@@ -359,11 +411,7 @@ template <typename Unit>
                                                                 std::uint8_t* bytes) {
     const __m512i valuesLow = _mm512_loadu_si512(kBase64Values.data());
     const __m512i valuesHigh = _mm512_loadu_si512(kBase64Values.data() + 64);
-    const __m512i join = _mm512_loadu_si512(kJoin512.data());
-    const auto joinedOf = [&](__m512i values) __attribute__((target("avx512bw,avx512vbmi"))) {
-        const __m512i pairs = _mm512_maddubs_epi16(values, _mm512_set1_epi32(0x01400140));
-        return _mm512_permutexvar_epi8(join, _mm512_madd_epi16(pairs, _mm512_set1_epi32(0x00011000)));
-    };
+    const __m512i joinPacked = _mm512_loadu_si512(kJoinPacked512<Unit>.data());
     // The top bit is set in characters above ASCII and in the value of those outside the alphabet.
     const auto oddOf = [](__m512i in, __m512i values) __attribute__((target("avx512bw,avx512vbmi"))) {
         return static_cast<std::uint64_t>(_mm512_movepi8_mask(_mm512_or_si512(in, values)));
@@ -374,28 +422,30 @@ template <typename Unit>
         const __m512i in = loadCharacters512(text, lowestBits(4 * groups));
         const __m512i values = _mm512_permutex2var_epi8(valuesLow, in, valuesHigh);
         const std::size_t clean = std::min(cleanOf(oddOf(in, values)), groups);
-        _mm512_mask_storeu_epi8(bytes, lowestBits(3 * clean), joinedOf(values));
+        const __m512i joined = _mm512_permutexvar_epi8(_mm512_loadu_si512(kJoin512.data()), triples512(values));
+        _mm512_mask_storeu_epi8(bytes, lowestBits(3 * clean), joined);
         return clean;
     }
     const auto decodeAt = [&](std::size_t at) __attribute__((target("avx512bw,avx512vbmi"))) {
-        const __m512i in = loadCharacters512(text + 4 * at);
+        const __m512i in = loadPacked512(text + 4 * at);
         const __m512i values = _mm512_permutex2var_epi8(valuesLow, in, valuesHigh);
-        const std::uint64_t odd = oddOf(in, values);
-        if (odd == 0) storeGroups512(bytes + 3 * at, joinedOf(values));
-        return odd;
+        const bool isClean = oddOf(in, values) == 0;
+        if (isClean) storeGroups512(bytes + 3 * at, _mm512_permutexvar_epi8(joinPacked, triples512(values)));
+        return isClean;
     };
     std::size_t done = 0;
-    std::uint64_t odd = 0;
-    for (; groups - done >= kGroupsOf512; done += kGroupsOf512) {
-        odd = decodeAt(done);
-        if (odd != 0) break;
+    bool isClean = true;
+    while (isClean && groups - done >= kGroupsOf512) {
+        isClean = decodeAt(done);
+        if (isClean) done += kGroupsOf512;
     }
-    if (odd == 0 && done != groups) {
+    if (isClean && done != groups) {
         done = groups - kGroupsOf512;
-        odd = decodeAt(done);
+        isClean = decodeAt(done);
     }
-    if (odd == 0) return groups;
-    const std::size_t clean = done + cleanOf(odd);
+    if (isClean) return groups;
+    const __m512i in = loadCharacters512(text + 4 * done);
+    const std::size_t clean = done + cleanOf(oddOf(in, _mm512_permutex2var_epi8(valuesLow, in, valuesHigh)));
     if (clean == done) return done;
     if (clean < kGroupsOf512) return decodeAVX512(text, clean, bytes);
     decodeAt(clean - kGroupsOf512);
@@ -434,11 +484,18 @@ template <typename Unit>
 template <typename Unit>
 Base64Functions<Unit> base64Functions([[maybe_unused]] VectorLevel level) noexcept {
 #if defined(__x86_64__)
-    if (level >= VectorLevel::kAVX512VBMI) return {encodeAVX512<Unit>, decodeAVX512<Unit>, filterAVX512<Unit>};
-    if (level >= VectorLevel::kAVX2) return {encodeAVX2<Unit>, decodeAVX2<Unit>, filterPortable<Unit>};
-    if (level >= VectorLevel::kSSSE3) return {encodeSSSE3<Unit>, decodeSSSE3<Unit>, filterPortable<Unit>};
+    if (level >= VectorLevel::kAVX512VBMI) {
+        return {encodeAVX512<Unit>, encodeLinesAVX512<Unit>, decodeAVX512<Unit>, filterAVX512<Unit>};
+    }
+    if (level >= VectorLevel::kAVX2) {
+        return {encodeAVX2<Unit>, encodeLinesBy<Unit, encodeAVX2<Unit>>, decodeAVX2<Unit>, filterPortable<Unit>};
+    }
+    if (level >= VectorLevel::kSSSE3) {
+        return {encodeSSSE3<Unit>, encodeLinesBy<Unit, encodeSSSE3<Unit>>, decodeSSSE3<Unit>, filterPortable<Unit>};
+    }
 #endif
-    return {encodePortable<Unit>, decodePortable<Unit>, filterPortable<Unit>};
+    return {encodePortable<Unit>, encodeLinesBy<Unit, encodePortable<Unit>>, decodePortable<Unit>,
+            filterPortable<Unit>};
 }
 
 template Base64Functions<char> base64Functions<char>(VectorLevel) noexcept;

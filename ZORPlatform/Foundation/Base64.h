@@ -39,6 +39,10 @@ template <typename Unit>
 struct Base64Functions {
     /// Encodes `groups` × 3 bytes as `groups` × 4 units.
     void (*encode)(const std::uint8_t* bytes, std::size_t groups, Unit* text);
+    /// Encodes `lines` lines of `groups` groups each, which begin `stride` units apart, and leaves what is between them
+    /// alone.
+    void (*encodeLines)(const std::uint8_t* bytes, std::size_t lines, std::size_t groups, Unit* text,
+                        std::size_t stride);
     /// Decodes the groups that `text` begins with, at most `groups`, up to the first one that holds anything else than
     /// characters of the alphabet. Writes three bytes a group and nothing behind them.
     ///

@@ -4,10 +4,20 @@
 #include <ZORPlatform/Foundation/TextAssembly.h>
 
 #if defined(__x86_64__)
+#if defined(__GNUC__) && !defined(__clang__)
+// g++ 12 initialises its "undefined" vectors with themselves and then warns of it.
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wmaybe-uninitialized"
+#pragma GCC diagnostic ignored "-Wuninitialized"
 #include <immintrin.h>
+#pragma GCC diagnostic pop
+#else
+#include <immintrin.h>
+#endif
 #endif
 
 #include <algorithm>
+#include <array>
 #include <string_view>
 
 namespace ZORPlatform {
@@ -67,12 +77,42 @@ void encodePortable(const std::uint8_t* bytes, std::size_t count, HexDigits digi
     encodePortable(bytes + i, count - i, digits, text + 2 * i);
 }
 
+// Where the bytes go, twice each, so that the digits of each 128 bits become eight units for the first half of the text
+// and eight for the second.
+constexpr std::array<std::uint8_t, 64> kTwice512 = [] {
+    std::array<std::uint8_t, 64> order{};
+    for (std::size_t i = 0; i < 64; ++i) {
+        order[i] = static_cast<std::uint8_t>(i / 16 * 4 + i % 16 / 8 * 16 + i % 8 / 2);
+    }
+    return order;
+}();
+
+[[gnu::target("avx512bw,avx512vbmi")]] void encodeAVX512(const std::uint8_t* bytes, std::size_t count, HexDigits digits,
+                                                         char16_t* text) {
+    const __m512i table =
+        _mm512_broadcast_i32x4(_mm_loadu_si128(reinterpret_cast<const __m128i*>(digitsOf(digits).data())));
+    const __m512i twice = _mm512_loadu_si512(kTwice512.data());
+    const __m512i zero = _mm512_setzero_si512();
+    std::size_t i = 0;
+    for (; i + 32 <= count; i += 32) {
+        const __m256i in = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(bytes + i));
+        const __m512i pairs = _mm512_permutexvar_epi8(twice, _mm512_castsi256_si512(in));
+        const __m512i high = _mm512_and_si512(_mm512_srli_epi16(pairs, 4), _mm512_set1_epi16(0x000F));
+        const __m512i low = _mm512_and_si512(pairs, _mm512_set1_epi16(0x0F00));
+        const __m512i characters = _mm512_shuffle_epi8(table, _mm512_or_si512(high, low));
+        _mm512_storeu_si512(text + 2 * i, _mm512_unpacklo_epi8(characters, zero));
+        _mm512_storeu_si512(text + 2 * i + 32, _mm512_unpackhi_epi8(characters, zero));
+    }
+    encodeAVX2(bytes + i, count - i, digits, text + 2 * i);
+}
+
 #endif
 
 }  // namespace
 
 HexEncoder hexEncoder([[maybe_unused]] VectorLevel level) noexcept {
 #if defined(__x86_64__)
+    if (level >= VectorLevel::kAVX512VBMI) return encodeAVX512;
     if (level >= VectorLevel::kAVX2) return encodeAVX2;
     if (level >= VectorLevel::kSSSE3) return encodeSSSE3;
 #endif
