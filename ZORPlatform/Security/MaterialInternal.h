@@ -23,10 +23,14 @@ struct OpenSslDelete {
 };
 
 using KeyPointer = std::unique_ptr<EVP_PKEY, OpenSslDelete<EVP_PKEY_free>>;
+using KeyContextPointer = std::unique_ptr<EVP_PKEY_CTX, OpenSslDelete<EVP_PKEY_CTX_free>>;
 using CertificatePointer = std::unique_ptr<X509, OpenSslDelete<X509_free>>;
 
 struct SecKey::Material {
     KeyPointer key;
+    // Set up for encryption with PKCS#1 v1.5 padding, which takes half as long as the encryption itself. Only copies
+    // are used, so that threads may share it. Null for keys that are not RSA.
+    KeyContextPointer encryption;
 };
 
 struct SecCertificate::Material {

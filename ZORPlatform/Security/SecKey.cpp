@@ -13,8 +13,6 @@
 namespace ZORPlatform {
 namespace {
 
-using ContextPointer = std::unique_ptr<EVP_PKEY_CTX, OpenSslDelete<EVP_PKEY_CTX_free>>;
-
 // What OpenSSL writes in DER; empty where it can write nothing.
 std::vector<std::uint8_t> publicKeyOf(EVP_PKEY* key) {
     const int length = i2d_PublicKey(key, nullptr);
@@ -25,18 +23,20 @@ std::vector<std::uint8_t> publicKeyOf(EVP_PKEY* key) {
     return bytes;
 }
 
-bool encryptBlock(EVP_PKEY* key, std::span<const std::uint8_t> in, std::uint8_t* out, std::size_t& length) {
-    const ContextPointer context(EVP_PKEY_CTX_new_from_pkey(nullptr, key, nullptr));
-    return context != nullptr && EVP_PKEY_encrypt_init(context.get()) == 1 &&
-           EVP_PKEY_CTX_set_rsa_padding(context.get(), RSA_PKCS1_PADDING) == 1 &&
-           EVP_PKEY_encrypt(context.get(), out, &length, in.data(), in.size()) == 1;
+KeyContextPointer encryptionWith(EVP_PKEY* key) {
+    if (EVP_PKEY_is_a(key, "RSA") != 1) return nullptr;
+    KeyContextPointer context(EVP_PKEY_CTX_new_from_pkey(nullptr, key, nullptr));
+    const bool isReady = context != nullptr && EVP_PKEY_encrypt_init(context.get()) == 1 &&
+                         EVP_PKEY_CTX_set_rsa_padding(context.get(), RSA_PKCS1_PADDING) == 1;
+    return isReady ? std::move(context) : nullptr;
 }
 
 }  // namespace
 
 std::optional<SecKey> secKeyWith(KeyPointer key) {
     if (key == nullptr) return std::nullopt;
-    return SecKey(std::make_shared<const SecKey::Material>(SecKey::Material{std::move(key)}));
+    KeyContextPointer encryption = encryptionWith(key.get());
+    return SecKey(std::make_shared<const SecKey::Material>(SecKey::Material{std::move(key), std::move(encryption)}));
 }
 
 std::optional<SecKey> SecKeyCreateWithData(std::span<const std::uint8_t> keyData) {
@@ -66,13 +66,16 @@ std::size_t SecKeyGetBlockSize(const SecKey& key) noexcept {
 OSStatus SecKeyEncrypt(const SecKey& key, SecPadding padding, std::span<const std::uint8_t> plainText,
                        std::span<std::uint8_t> cipherText, std::size_t& cipherTextLen) noexcept {
     cipherTextLen = 0;
-    EVP_PKEY* const rsa = key.material().key.get();
-    const bool isUsable = padding == SecPadding::kSecPaddingPKCS1 && EVP_PKEY_is_a(rsa, "RSA") == 1 &&
+    const EVP_PKEY_CTX* const encryption = key.material().encryption.get();
+    const bool isUsable = padding == SecPadding::kSecPaddingPKCS1 && encryption != nullptr &&
                           cipherText.size() >= SecKeyGetBlockSize(key);
     if (!isUsable) return errSecParam;
     const ErrorQueueMark mark;
+    const KeyContextPointer context(EVP_PKEY_CTX_dup(encryption));
     std::size_t length = cipherText.size();
-    if (!encryptBlock(rsa, plainText, cipherText.data(), length)) return errSecParam;
+    const bool succeeded = context != nullptr && EVP_PKEY_encrypt(context.get(), cipherText.data(), &length,
+                                                                  plainText.data(), plainText.size()) == 1;
+    if (!succeeded) return errSecParam;
     cipherTextLen = length;
     return errSecSuccess;
 }

@@ -6,14 +6,64 @@
 
 #include <openssl/x509_vfy.h>
 
+#include <array>
+#include <cstdlib>
+#include <filesystem>
+#include <mutex>
+#include <string>
+#include <system_error>
+
 namespace ZORPlatform {
 namespace {
 
-using StorePointer = std::unique_ptr<X509_STORE, OpenSslDelete<X509_STORE_free>>;
+using StorePointer = std::shared_ptr<X509_STORE>;
 using StoreContextPointer = std::unique_ptr<X509_STORE_CTX, OpenSslDelete<X509_STORE_CTX_free>>;
 // The certificates in it are those of the trust.
 using StackPointer =
     std::unique_ptr<STACK_OF(X509), OpenSslDelete<[](STACK_OF(X509) * stack) { sk_X509_free(stack); }>>;
+
+/// Where OpenSSL looks for roots, and which state of it.
+struct RootsPlace {
+    std::string file;
+    std::string directory;
+    std::array<std::filesystem::file_time_type, 2> written;
+
+    bool operator==(const RootsPlace&) const = default;
+};
+
+RootsPlace placeOfRoots() {
+    const auto setting = [](const char* variable, const char* otherwise) {
+        const char* value = std::getenv(variable);
+        return std::string(value != nullptr ? value : otherwise);
+    };
+    RootsPlace place{setting(X509_get_default_cert_file_env(), X509_get_default_cert_file()),
+                     setting(X509_get_default_cert_dir_env(), X509_get_default_cert_dir()),
+                     {}};
+    std::error_code error;
+    place.written = {std::filesystem::last_write_time(place.file, error),
+                     std::filesystem::last_write_time(place.directory, error)};
+    return place;
+}
+
+// A machine's roots take tens of milliseconds to read, so they are kept until they may be others.
+StorePointer machineRoots() {
+    struct Kept {
+        std::mutex mutex;
+        RootsPlace place;
+        StorePointer store;
+    };
+    static Kept& kept = *new Kept;  // Never destroyed: another thread may evaluate while the process ends.
+    RootsPlace place = placeOfRoots();
+    const std::lock_guard lock(kept.mutex);
+    if (kept.store != nullptr && kept.place == place) return kept.store;
+    StorePointer store(X509_STORE_new(), X509_STORE_free);
+    if (store == nullptr) return nullptr;
+    // A machine without roots trusts nothing, which is a verdict and no failure.
+    X509_STORE_set_default_paths(store.get());
+    kept.place = std::move(place);
+    kept.store = store;
+    return store;
+}
 
 X509* certificateOf(const SecCertificate& handle) { return handle.material().certificate.get(); }
 
@@ -37,12 +87,10 @@ OSStatus SecTrustCreateWithCertificates(std::span<const SecCertificate> certific
 
 OSStatus SecTrustEvaluate(const SecTrust& trust, SecTrustResultType& result) {
     const ErrorQueueMark mark;
-    const StorePointer store(X509_STORE_new());
+    const StorePointer store = machineRoots();
     const StoreContextPointer context(X509_STORE_CTX_new());
     const StackPointer helpers = helpersOf(trust);
     if (store == nullptr || context == nullptr || helpers == nullptr) return errSecAllocate;
-    // A machine without roots trusts nothing, which is a verdict and no failure.
-    X509_STORE_set_default_paths(store.get());
     if (X509_STORE_CTX_init(context.get(), store.get(), certificateOf(trust.certificates().front()), helpers.get()) !=
         1) {
         return errSecAllocate;

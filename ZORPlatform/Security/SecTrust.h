@@ -59,7 +59,8 @@ enum class SecTrustResultType : std::uint32_t {
 };
 
 /// `SecTrustEvaluate`: looks for a chain to one of the machine's trusted roots, which OpenSSL finds by its own settings
-/// (`SSL_CERT_FILE` and `SSL_CERT_DIR` among them), at the present time. No network is used.
+/// (`SSL_CERT_FILE` and `SSL_CERT_DIR` among them), at the present time. No network is used. Roots that have been read
+/// are kept until file, directory or settings change.
 ///
 /// @return `errSecSuccess` whatever the verdict; `errSecAllocate` for want of memory, with `result` untouched
 ///

@@ -9,6 +9,8 @@
 
 #include <algorithm>
 #include <array>
+#include <chrono>
+#include <filesystem>
 #include <vector>
 
 namespace ZORPlatform {
@@ -44,6 +46,13 @@ protected:
     PrivateKey middleKey_ = PrivateKey::ellipticCurve();
     PrivateKey leafKey_ = PrivateKey::ellipticCurve();
 
+    // Puts another root in the place of the one that is trusted.
+    void replaceRoot(const Bytes& certificate) {
+        directory_.write("root.pem", support::pemOf(certificate));
+        std::filesystem::last_write_time(rootFile_,
+                                         std::filesystem::last_write_time(rootFile_) + std::chrono::hours(1));
+    }
+
 private:
     support::TemporaryDirectory directory_;
     std::filesystem::path rootFile_ = directory_.write("root.pem", support::pemOf(certificateOf(kRoot, rootKey_)));
@@ -54,6 +63,15 @@ private:
 TEST_F(SecTrustWithRoot, ACertificateThatTheRootVouchesForIsTrusted) {
     const Bytes leaf = certificateOf({.subject = "leaf", .issuer = "root"}, leafKey_, rootKey_);
     EXPECT_EQ(verdictOn(trustIn({leaf})), kSecTrustResultUnspecified);
+}
+
+TEST_F(SecTrustWithRoot, RootsAreReadAgainWhenTheirFileIsAnotherOne) {
+    const SecTrust trust = trustIn({certificateOf({.subject = "leaf", .issuer = "root"}, leafKey_, rootKey_)});
+    EXPECT_EQ(verdictOn(trust), kSecTrustResultUnspecified);
+    replaceRoot(certificateOf(kRoot, middleKey_));
+    EXPECT_EQ(verdictOn(trust), kSecTrustResultRecoverableTrustFailure);
+    replaceRoot(certificateOf(kRoot, rootKey_));
+    EXPECT_EQ(verdictOn(trust), kSecTrustResultUnspecified);
 }
 
 TEST_F(SecTrustWithRoot, FurtherCertificatesHelpToBuildTheChain) {
