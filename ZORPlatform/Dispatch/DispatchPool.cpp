@@ -25,8 +25,8 @@ using namespace std::chrono_literals;
 
 // How long every worker may be busy with jobs ready before the pool takes it for a wait and lets one more run.
 constexpr auto kStallTime = 10ms;
-// About a microsecond, less than it takes to sleep and be woken.
-constexpr int kLooksBeforeSleep = 16;
+// Half a microsecond or so, much less than it takes to sleep and be woken.
+constexpr int kLooksForMore = 8;
 // How long a surplus worker stays.
 constexpr auto kSurplusTime = 5s;
 
@@ -36,8 +36,7 @@ struct Worker {
     std::thread thread;
     std::condition_variable wake;
     Call call = Call::none;
-    /// Not to be stopped: inside a job, or on the look-out for one.
-    bool isBusy = false;
+    bool inJob = false;
     /// Found the pool stalled: runs one job although there are workers enough.
     bool isRelief = false;
 };
@@ -87,7 +86,7 @@ public:
             exiting_ = true;
             for (const std::unique_ptr<Worker>& worker : workers_) {
                 // One that is about to take a job is as good as inside it.
-                if (worker->isBusy || !worker->thread.joinable() || (first_ != nullptr && worker->call != Call::none)) {
+                if (worker->inJob || !worker->thread.joinable() || (first_ != nullptr && worker->call != Call::none)) {
                     continue;
                 }
                 if (worker->call == Call::work) stopSearching();
@@ -186,7 +185,7 @@ private:
     }
 
     void workWhileReady(Worker& self, std::unique_lock<std::mutex>& lock) {
-        while ((first_ != nullptr || becomesReady(self, lock)) && (awake_ <= width_ || self.isRelief)) {
+        while (first_ != nullptr && (awake_ <= width_ || self.isRelief)) {
             self.isRelief = false;
             --searching_;
             PoolJob& job = *first_;
@@ -194,29 +193,17 @@ private:
             if (first_ == nullptr) last_ = nullptr;
             readyCount_.store(readyCount_.load(std::memory_order_relaxed) - 1, std::memory_order_relaxed);
             ++taken_;
-            self.isBusy = true;
+            self.inJob = true;
             Worker* recruited = recruit();
             lock.unlock();
             if (recruited != nullptr) recruited->wake.notify_one();
             job.runTurn();
             lock.lock();
-            self.isBusy = false;
+            self.inJob = false;
             ++searching_;
         }
         self.isRelief = false;
         stopSearching();
-    }
-
-    /// Looks out for a further job for a moment: who submits many small ones should not have to wake somebody for
-    /// each.
-    bool becomesReady(Worker& self, std::unique_lock<std::mutex>& lock) const noexcept {
-        if (exiting_) return false;
-        self.isBusy = true;
-        lock.unlock();
-        for (int look = 0; look < kLooksBeforeSleep && !hasReadyJobs(); ++look) pauseProcessor();
-        lock.lock();
-        self.isBusy = false;
-        return first_ != nullptr;
     }
 
     void stopSearching() noexcept {
@@ -308,6 +295,11 @@ DispatchPool::State& DispatchPool::state() {
 void DispatchPool::submit(PoolJob& job) { state().submit(job); }
 
 bool DispatchPool::hasReadyJobs() noexcept { return state().hasReadyJobs(); }
+
+void DispatchPool::waitForMore() noexcept {
+    const State& pool = state();
+    for (int look = 0; look < kLooksForMore && !pool.hasReadyJobs(); ++look) pauseProcessor();
+}
 
 DispatchPool::Blocking::Blocking() noexcept {
     if (currentWorker != nullptr) state().beginBlocking();

@@ -57,6 +57,10 @@ public:
     /// Whether other jobs wait for a turn, so that one which has had its share should make room. A hint.
     [[nodiscard]] static bool hasReadyJobs() noexcept;
 
+    /// Gives whoever submits many small works the time for some more, where a job that ends its turn would have to be
+    /// submitted again for each. Returns soon, and at once when other jobs wait for a turn.
+    static void waitForMore() noexcept;
+
     /// Marks that the current thread waits for something. No effect on threads that are not the pool's.
     class Blocking {
     public:

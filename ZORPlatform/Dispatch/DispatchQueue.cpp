@@ -34,27 +34,47 @@ public:
 
 private:
     void runTurn() noexcept override {
+        // Worked off from here: who submits writes to this object all the time.
+        WorkList batch;
+        batch.swap(batch_);
         std::size_t share = kWorksInTurn;
-        for (;;) {
-            while (!batch_.isEmpty()) {
+        do {
+            while (!batch.isEmpty()) {
                 if (share == 0) {
                     share = kWorksInTurn;
-                    if (DispatchPool::hasReadyJobs()) return DispatchPool::submit(*this);
+                    if (DispatchPool::hasReadyJobs()) {
+                        batch.swap(batch_);
+                        return DispatchPool::submit(*this);
+                    }
                 }
                 --share;
-                batch_.runFirst();
+                batch.runFirst();
             }
-            // Destroyed after the lock: this may be the last handle.
-            std::shared_ptr<SerialQueue> self;
-            const std::scoped_lock lock(lock_);
-            if (pending_.isEmpty()) {
-                batch_.trim();
-                pending_.trim();
-                self = std::move(self_);
-                return;
-            }
-            batch_.swap(pending_);
+        } while (takes(batch) || (DispatchPool::waitForMore(), !endsTurn(batch)));
+    }
+
+    /// Exchanges an empty batch for what has been submitted. @return false when there is nothing
+    bool takes(WorkList& batch) noexcept {
+        const std::scoped_lock lock(lock_);
+        if (pending_.isEmpty()) return false;
+        batch.swap(pending_);
+        return true;
+    }
+
+    /// @return false when something has been submitted after all; that is the batch then
+    bool endsTurn(WorkList& batch) noexcept {
+        // Destroyed after the lock: this may be the last handle.
+        std::shared_ptr<SerialQueue> self;
+        const std::scoped_lock lock(lock_);
+        if (!pending_.isEmpty()) {
+            batch.swap(pending_);
+            return false;
         }
+        batch.trim();
+        pending_.trim();
+        batch_.swap(batch);
+        self = std::move(self_);
+        return true;
     }
 
     const std::u16string label_;
@@ -62,7 +82,7 @@ private:
     WorkList pending_;  ///< Guarded by the lock.
     /// Guarded by the lock. Held while there is work or a turn is due: by it the queue outlives its handles.
     std::shared_ptr<SerialQueue> self_;
-    // What the turns work off. One turn follows another, so nothing guards it.
+    // What a turn has left to the next. One turn follows another, so nothing guards it.
     WorkList batch_;
 };
 
