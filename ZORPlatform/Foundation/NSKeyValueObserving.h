@@ -67,13 +67,15 @@ protected:
     NSKeyValueObserving() noexcept = default;
     virtual ~NSKeyValueObserving();
 
+    /// Whether anybody may be told of changes. Once true it stays so.
+    [[nodiscard]] bool isObserved() const noexcept { return observers_.load(std::memory_order_acquire) != nullptr; }
+
 private:
     struct Observers;
 
     /// What the object itself does about a change. May let the object be destroyed.
     virtual void valueDidChange(std::u16string_view key);
 
-    [[nodiscard]] bool isObserved() const noexcept { return observers_.load(std::memory_order_acquire) != nullptr; }
     void tellObservers(const NSKeyValueChange& change);
 
     /// Made with the first observer: most objects never have one.

@@ -28,16 +28,19 @@ constexpr auto isAny = [](const auto&) { return true; };
 thread_local std::vector<std::shared_ptr<NSOperation>>* goingOperations = nullptr;
 
 // Lets go of operations one after the other, where each letting go of its own would take stack for every link.
-void letGo(std::vector<std::shared_ptr<NSOperation>> operations) {
-    if (operations.empty()) return;
+template <class Operations>
+void letGo(Operations& operations) {
     if (goingOperations != nullptr) {
-        std::move(operations.begin(), operations.end(), std::back_inserter(*goingOperations));
+        auto taken = operations.take(isAny);
+        std::move(taken.begin(), taken.end(), std::back_inserter(*goingOperations));
         return;
     }
-    goingOperations = &operations;
-    while (!operations.empty()) {
-        const std::shared_ptr<NSOperation> going = std::move(operations.back());
-        operations.pop_back();
+    std::vector<std::shared_ptr<NSOperation>> going;
+    goingOperations = &going;
+    operations.clear();
+    while (!going.empty()) {
+        const std::shared_ptr<NSOperation> last = std::move(going.back());
+        going.pop_back();
     }
     goingOperations = nullptr;
 }
@@ -47,7 +50,7 @@ void letGo(std::vector<std::shared_ptr<NSOperation>> operations) {
 NSOperation::NSOperation() noexcept = default;
 
 NSOperation::~NSOperation() {
-    if (dependencies_.size() > 0) letGo(dependencies_.take(isAny));
+    if (dependencies_.size() > 0) letGo(dependencies_);
 }
 
 void NSOperation::start() {
@@ -58,15 +61,22 @@ void NSOperation::start() {
     if (isStarted_.exchange(true)) {
         throw NSException(u"NSInvalidArgumentException", u"NSOperation start: the operation has already been started");
     }
-    if (!isCancelled()) {
-        willChangeValueForKey(kExecutingKey);
-        isExecuting_.store(true, std::memory_order_release);
-        didChangeValueForKey(kExecutingKey);
-        main();
-        willChangeValueForKey(kExecutingKey);
-        isExecuting_.store(false, std::memory_order_release);
-        didChangeValueForKey(kExecutingKey);
-    }
+    if (isCancelled()) return announceFinished();
+    willChangeValueForKey(kExecutingKey);
+    isExecuting_.store(true, std::memory_order_release);
+    didChangeValueForKey(kExecutingKey);
+    main();
+    announceEnd();
+}
+
+void NSOperation::announceEnd() {
+    willChangeValueForKey(kExecutingKey);
+    isExecuting_.store(false, std::memory_order_release);
+    didChangeValueForKey(kExecutingKey);
+    announceFinished();
+}
+
+void NSOperation::announceFinished() {
     willChangeValueForKey(kFinishedKey);
     isFinished_.store(true, std::memory_order_release);
     OperationQueueCore::willReturnFromStart(*this);
@@ -82,18 +92,20 @@ void NSOperation::cancel() {
     didChangeValueForKey(kCancelledKey);
     if (wasCancelled || isExecuting()) return;
 
-    std::vector<std::shared_ptr<NSOperation>> forgotten;
+    Dependencies forgotten;
     willChangeValueForKey(kReadyKey);
     {
         const std::scoped_lock lock(lock_);
         ignoresDependencies_ = true;
         unfinishedDependencies_ = 0;
         dependencyIndex_.reset();
-        forgotten = dependencies_.take([](const auto& operation) { return operation->isConcluded_ == 0; });
+        for (auto& operation : dependencies_.take([](const auto& each) { return each->isConcluded_ == 0; })) {
+            forgotten.append(std::move(operation));
+        }
         isBlocked_ = false;
     }
     didChangeValueForKey(kReadyKey);
-    letGo(std::move(forgotten));
+    letGo(forgotten);
 }
 
 bool NSOperation::isCancelled() const noexcept { return isCancelled_; }
@@ -110,6 +122,8 @@ void NSOperation::addDependency(const std::shared_ptr<NSOperation>& operation) {
     if (!operation->noteDependent(std::move(self))) {
         const std::scoped_lock lock(lock_);
         if (!ignoresDependencies_) --unfinishedDependencies_;
+    } else if (isBlocked_.load(std::memory_order_acquire)) {
+        return;
     }
     settleReadiness();
 }
@@ -132,6 +146,8 @@ bool NSOperation::noteDependency(const std::shared_ptr<NSOperation>& operation) 
     }
     dependencies_.append(operation);
     ++unfinishedDependencies_;
+    // Nobody to be told.
+    if (!isObserved()) isBlocked_.store(true, std::memory_order_release);
     return true;
 }
 
@@ -172,11 +188,18 @@ std::vector<std::shared_ptr<NSOperation>> NSOperation::dependencies() const {
 
 /// One dependency less to wait for.
 void NSOperation::dependencyConcluded() {
+    bool isTold = false;
     {
         const std::scoped_lock lock(lock_);
         if (ignoresDependencies_ || --unfinishedDependencies_ > 0 || !isBlocked_) return;
+        isTold = isObserved();
+        if (!isTold) isBlocked_ = false;
     }
-    announceReadiness();
+    if (isTold) {
+        announceReadiness();
+    } else if (isReady()) {
+        OperationQueueCore::becameReady(*this);
+    }
 }
 
 void NSOperation::settleReadiness() {
@@ -224,6 +247,14 @@ void NSOperation::valueDidChange(std::u16string_view key) {
 
 void NSOperation::releaseWork() noexcept {}
 
+void NSOperation::joinAsExecuting(OperationQueueCore& queue) noexcept {
+    releaseWork();
+    isStarted_ = true;
+    isExecuting_ = true;
+    queue_ = &queue;
+    membership_ = Membership::joined;
+}
+
 void NSOperation::conclude() {
     // Goes last: it may be what keeps this object.
     std::shared_ptr<NSOperation> retained;
@@ -255,7 +286,7 @@ void NSOperation::conclude() {
         if (const std::shared_ptr<NSOperation> dependent = entry.lock()) dependent->dependencyConcluded();
     });
     if (isRemovedHere) retained = queue_->remove(*this);
-    if (dependencies.size() > 0) letGo(dependencies.take(isAny));
+    if (dependencies.size() > 0) letGo(dependencies);
 }
 
 }  // namespace ZORPlatform

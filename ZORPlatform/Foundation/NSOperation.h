@@ -138,6 +138,10 @@ private:
     /// Lets go of the caller's code that will never run again.
     virtual void releaseWork() noexcept;
 
+    /// For a block that became an operation while it was running.
+    void joinAsExecuting(OperationQueueCore& queue) noexcept;
+    void announceEnd();
+    void announceFinished();
     void conclude();
     void dependencyConcluded();
     void settleReadiness();

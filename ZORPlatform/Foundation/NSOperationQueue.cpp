@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <ZORPlatform/Foundation/NSOperationQueue.h>
 
-#include <ZORPlatform/Foundation/NSBlockOperation.h>
 #include <ZORPlatform/Foundation/NSException.h>
 #include <ZORPlatform/Foundation/OperationQueueCore.h>
 #include <ZORPlatform/Foundation/Precondition.h>
@@ -21,7 +20,8 @@ void NSOperationQueue::addOperation(std::shared_ptr<NSOperation> operation) cons
 }
 
 void NSOperationQueue::addOperationWithBlock(DispatchWork block) const {
-    core_->add(NSBlockOperation::blockOperationWithBlock(std::move(block)));
+    if (!block) preconditionFailure("NSOperationQueue addOperationWithBlock: the block must not be empty");
+    core_->addBlock(std::move(block));
 }
 
 std::vector<std::shared_ptr<NSOperation>> NSOperationQueue::operations() const { return core_->operations(); }

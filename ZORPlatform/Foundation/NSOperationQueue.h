@@ -39,7 +39,8 @@ public:
     /// when `operation` is null or is not held by the shared pointer it was made with.
     void addOperation(std::shared_ptr<NSOperation> operation) const;
 
-    /// `addOperationWithBlock:`: a block operation with this one block.
+    /// `addOperationWithBlock:`: a block operation with this one block. Cheaper than making one, which is put off until
+    /// somebody asks for `operations`. An empty block stops the process.
     void addOperationWithBlock(DispatchWork block) const;
 
     /// `operations`: those that have not finished, in the order of adding.

@@ -15,9 +15,11 @@ constexpr std::size_t kChosenWidth = 64;
 // Operations started in one turn before jobs of other queues are let in.
 constexpr std::size_t kOperationsInTurn = 64;
 
+constexpr std::size_t kNormalLane = 2;
+
 // Five lanes from veryHigh to veryLow; a value between two counts as the one nearer to normal.
 std::uint8_t lane(NSOperationQueuePriority priority) noexcept {
-    return static_cast<std::uint8_t>(2 - std::clamp(static_cast<int>(priority) / 4, -2, 2));
+    return static_cast<std::uint8_t>(static_cast<int>(kNormalLane) - std::clamp(static_cast<int>(priority) / 4, -2, 2));
 }
 
 }  // namespace
@@ -92,6 +94,24 @@ void OperationQueueCore::add(std::shared_ptr<NSOperation> operation) {
     if (waiting != nullptr && waiting->isReady()) makeReady(*waiting);
 }
 
+void OperationQueueCore::addBlock(DispatchWork block) {
+    std::unique_lock lock(lock_);
+    if (first_ != nullptr) {
+        lock.unlock();
+        return add(NSBlockOperation::blockOperationWithBlock(std::move(block)));
+    }
+    blocks_.append(std::move(block));
+    if (self_ == nullptr) self_ = shared_from_this();
+    ++waitingBlocks_;
+    ++hiddenBlocks_;
+    ++readyCount_;
+    ++count_;
+    lastBlockOrder_ = ++lastOrder_;
+    const bool submits = takesTurn();
+    lock.unlock();
+    if (submits) DispatchPool::submit(*this);
+}
+
 void OperationQueueCore::becameReady(NSOperation& operation) {
     OperationQueueCore* core = nullptr;
     std::shared_ptr<OperationQueueCore> kept;
@@ -142,8 +162,9 @@ void OperationQueueCore::makeReady(NSOperation& operation) {
     if (submits) DispatchPool::submit(*this);
 }
 
-std::vector<std::shared_ptr<NSOperation>> OperationQueueCore::operations() const {
+std::vector<std::shared_ptr<NSOperation>> OperationQueueCore::operations() {
     const std::scoped_lock lock(lock_);
+    makeOperationsOfBlocks();
     std::vector<std::shared_ptr<NSOperation>> operations;
     operations.reserve(count_);
     for (const NSOperation* operation = first_; operation != nullptr; operation = operation->next_) {
@@ -186,43 +207,105 @@ void OperationQueueCore::setMaxConcurrentOperationCount(int count) {
 void OperationQueueCore::runTurn() noexcept {
     // Destroyed after the lock: this may be the last that holds the core.
     std::shared_ptr<OperationQueueCore> self;
-    std::shared_ptr<NSOperation> over;
     std::unique_lock lock(lock_);
     isTurnDue_ = false;
     self = self_;
-    bool submits = false;
-    for (std::size_t share = kOperationsInTurn; canStartOne(); --share) {
-        if (share == 0) {
-            if (DispatchPool::hasReadyJobs()) {
-                submits = takesTurn();
-                break;
-            }
-            share = kOperationsInTurn;
-        }
-        NSOperation& operation = takeFirstReady();
-        submits = takesTurn();
-        lock.unlock();
-        over.reset();
-        if (std::exchange(submits, false)) DispatchPool::submit(*this);
-        if (!operation.isReady()) {
-            postpone(operation);
-            lock.lock();
-            continue;
-        }
-        starting_ = {this, &operation, false, false};
-        operation.start();
-        const bool isConcluded = std::exchange(starting_, {}).isConcluded;
-        lock.lock();
-        operation.isBeingStarted_ = false;
-        if (isConcluded) {
-            over = unlink(operation);
-        } else if (operation.place_ == NSOperation::Place::none) {
-            over = std::move(operation.retained_);
-        }
+    bool hasHadShare = false;
+    do {
+        hasHadShare = !startOperations(lock);
+    } while (!hasHadShare && looksOut(lock));
+    const bool submits = hasHadShare && takesTurn();
+    if (count_ == 0 && !isTurnDue_) {
+        blocks_.trim();
+        self_.reset();
     }
-    if (count_ == 0 && !isTurnDue_) self_.reset();
     lock.unlock();
     if (submits) DispatchPool::submit(*this);
+}
+
+/// Starts operations until none can be started. @return false when other jobs are to be let in before that
+bool OperationQueueCore::startOperations(std::unique_lock<BriefLock>& lock) {
+    // What has ended goes without the lock, when the next has been chosen.
+    std::shared_ptr<NSOperation> over;
+    std::size_t share = kOperationsInTurn;
+    for (; canStartOne(); --share) {
+        if (share == 0) {
+            if (DispatchPool::hasReadyJobs()) break;
+            share = kOperationsInTurn;
+        }
+        over = isBlockNext() ? runFirstBlock(lock, std::move(over)) : startFirstReady(lock, std::move(over));
+    }
+    if (over != nullptr) {
+        lock.unlock();
+        over.reset();
+        lock.lock();
+    }
+    return share > 0;
+}
+
+std::shared_ptr<NSOperation> OperationQueueCore::startFirstReady(std::unique_lock<BriefLock>& lock,
+                                                                 std::shared_ptr<NSOperation> over) {
+    NSOperation& operation = takeFirstReady();
+    const bool submits = takesTurn();
+    lock.unlock();
+    over.reset();
+    if (submits) DispatchPool::submit(*this);
+    if (!operation.isReady()) {
+        postpone(operation);
+        lock.lock();
+        return nullptr;
+    }
+    starting_ = {this, &operation, false, false};
+    operation.start();
+    return afterStart(operation, lock);
+}
+
+std::shared_ptr<NSOperation> OperationQueueCore::runFirstBlock(std::unique_lock<BriefLock>& lock,
+                                                               std::shared_ptr<NSOperation> over) {
+    RunningBlock running{blocks_.takeFirst(), nullptr, lastRunning_, nullptr};
+    (lastRunning_ == nullptr ? firstRunning_ : lastRunning_->next) = &running;
+    lastRunning_ = &running;
+    --waitingBlocks_;
+    --readyCount_;
+    ++running_;
+    const bool submits = takesTurn();
+    lock.unlock();
+    over.reset();
+    if (submits) DispatchPool::submit(*this);
+    running.work();
+    running.work = nullptr;
+    lock.lock();
+    (running.previous == nullptr ? firstRunning_ : running.previous->next) = running.next;
+    (running.next == nullptr ? lastRunning_ : running.next->previous) = running.previous;
+    if (running.operation == nullptr) {
+        --running_;
+        --hiddenBlocks_;
+        leaveOne();
+        return nullptr;
+    }
+    lock.unlock();
+    starting_ = {this, running.operation.get(), false, false};
+    running.operation->announceEnd();
+    return afterStart(*running.operation, lock);
+}
+
+/// Takes the lock again. @return what retained the operation, if that is over
+std::shared_ptr<NSOperation> OperationQueueCore::afterStart(NSOperation& operation, std::unique_lock<BriefLock>& lock) {
+    const bool isConcluded = std::exchange(starting_, {}).isConcluded;
+    lock.lock();
+    operation.isBeingStarted_ = false;
+    if (isConcluded) return unlink(operation);
+    return operation.place_ == NSOperation::Place::none ? std::move(operation.retained_) : nullptr;
+}
+
+/// Waits a moment for further operations. @return whether one can be started
+bool OperationQueueCore::looksOut(std::unique_lock<BriefLock>& lock) noexcept {
+    ++lookingOut_;
+    lock.unlock();
+    DispatchPool::waitForMore();
+    lock.lock();
+    --lookingOut_;
+    return canStartOne();
 }
 
 void OperationQueueCore::link(std::shared_ptr<NSOperation> operation) noexcept {
@@ -246,11 +329,58 @@ std::shared_ptr<NSOperation> OperationQueueCore::unlink(NSOperation& operation) 
     operation.place_ = NSOperation::Place::none;
     (operation.previous_ == nullptr ? first_ : operation.previous_->next_) = operation.next_;
     (operation.next_ == nullptr ? last_ : operation.next_->previous_) = operation.previous_;
-    if (--count_ == 0) {
-        ++timesEmptied_;
-        timesEmptied_.notify_all();
-    }
+    leaveOne();
     return operation.isBeingStarted_ ? nullptr : std::move(operation.retained_);
+}
+
+void OperationQueueCore::leaveOne() noexcept {
+    if (--count_ > 0) return;
+    ++timesEmptied_;
+    timesEmptied_.notify_all();
+}
+
+/// Whether the next to start is a block: there is one, and no ready operation of higher priority.
+bool OperationQueueCore::isBlockNext() const noexcept {
+    return waitingBlocks_ > 0 && std::none_of(lanes_.begin(), lanes_.begin() + kNormalLane,
+                                              [](const ReadyOperations& lane) { return lane.first() != nullptr; });
+}
+
+/// Makes objects of all blocks, in their places before the operations that are objects already.
+void OperationQueueCore::makeOperationsOfBlocks() {
+    if (hiddenBlocks_ == 0) return;
+    std::vector<std::shared_ptr<NSBlockOperation>> made(hiddenBlocks_);
+    for (auto& operation : made) operation = std::make_shared<NSBlockOperation>();
+
+    NSOperation* const firstObject = std::exchange(first_, nullptr);
+    NSOperation* const lastObject = std::exchange(last_, nullptr);
+    const std::uint64_t lastOrder = std::exchange(lastOrder_, lastBlockOrder_ - hiddenBlocks_);
+    count_ -= hiddenBlocks_;
+    readyCount_ -= waitingBlocks_;
+    auto next = made.begin();
+    for (RunningBlock* running = firstRunning_; running != nullptr; running = running->next) {
+        if (running->operation != nullptr) continue;
+        running->operation = *next++;
+        NSOperation& operation = *running->operation;
+        operation.joinAsExecuting(*this);
+        link(running->operation);
+        operation.place_ = NSOperation::Place::started;
+        operation.isBeingStarted_ = true;
+    }
+    for (; next != made.end(); ++next) {
+        NSOperation& operation = **next;
+        (*next)->addExecutionBlock(blocks_.takeFirst());
+        operation.queue_ = this;
+        operation.membership_.store(NSOperation::Membership::joined, std::memory_order_release);
+        link(*next);
+        enterReady(operation);
+    }
+    waitingBlocks_ = hiddenBlocks_ = 0;
+    lastOrder_ = lastOrder;
+    if (firstObject != nullptr) {
+        firstObject->previous_ = last_;
+        last_->next_ = firstObject;
+        last_ = lastObject;
+    }
 }
 
 /// Takes the first ready operation as started. There must be one.
@@ -296,7 +426,7 @@ bool OperationQueueCore::canStartOne() const noexcept {
 
 /// Whether the pool is to be asked for a turn, which the caller then does without the lock.
 bool OperationQueueCore::takesTurn() noexcept {
-    if (isTurnDue_ || !canStartOne()) return false;
+    if (isTurnDue_ || !canStartOne() || readyCount_ <= lookingOut_) return false;
     isTurnDue_ = true;
     return true;
 }

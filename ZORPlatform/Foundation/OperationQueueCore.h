@@ -10,10 +10,17 @@
 // makes room from whatever thread announces it; only when that is the worker itself, at the very end of `start`, is it
 // taken out together with the choice of the next.
 //
+// Blocks. A block that was added as such is an operation which nobody can see before somebody asks for the queue's
+// operations, so until then it is kept as a work alone. All of these stand before all operations that are objects: a
+// block that is added behind one of those becomes an object at once.
+//
 // Lifetime. The core holds itself while it has operations or a turn is due.
 
 #include <ZORPlatform/Dispatch/BriefLock.h>
 #include <ZORPlatform/Dispatch/DispatchPool.h>
+#include <ZORPlatform/Dispatch/DispatchWork.h>
+#include <ZORPlatform/Dispatch/WorkList.h>
+#include <ZORPlatform/Foundation/NSBlockOperation.h>
 #include <ZORPlatform/Foundation/NSOperation.h>
 
 #include <array>
@@ -21,6 +28,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <mutex>
 #include <vector>
 
 namespace ZORPlatform {
@@ -48,6 +56,9 @@ public:
     /// Raises the exception of `addOperation`.
     void add(std::shared_ptr<NSOperation> operation);
 
+    /// Adds an operation of one block, which must not be empty.
+    void addBlock(DispatchWork block);
+
     /// An operation is ready. If it waits in a queue, it may start from now on.
     static void becameReady(NSOperation& operation);
 
@@ -59,7 +70,7 @@ public:
     /// The operation is over. @return what retained it; null while a turn is inside its `start`
     [[nodiscard]] std::shared_ptr<NSOperation> remove(NSOperation& operation);
 
-    [[nodiscard]] std::vector<std::shared_ptr<NSOperation>> operations() const;
+    [[nodiscard]] std::vector<std::shared_ptr<NSOperation>> operations();
     [[nodiscard]] std::size_t operationCount() const;
     void waitUntilAllOperationsAreFinished();
 
@@ -78,10 +89,29 @@ private:
     };
     static thread_local Starting starting_;
 
+    /// A block that a worker is inside of.
+    struct RunningBlock {
+        DispatchWork work;
+        /// Made when somebody asks for the queue's operations meanwhile.
+        std::shared_ptr<NSBlockOperation> operation;
+        RunningBlock* previous;
+        RunningBlock* next;
+    };
+
     void runTurn() noexcept override;
+    [[nodiscard]] bool startOperations(std::unique_lock<BriefLock>& lock);
+    [[nodiscard]] std::shared_ptr<NSOperation> startFirstReady(std::unique_lock<BriefLock>& lock,
+                                                               std::shared_ptr<NSOperation> over);
+    [[nodiscard]] std::shared_ptr<NSOperation> runFirstBlock(std::unique_lock<BriefLock>& lock,
+                                                             std::shared_ptr<NSOperation> over);
+    [[nodiscard]] std::shared_ptr<NSOperation> afterStart(NSOperation& operation, std::unique_lock<BriefLock>& lock);
+    [[nodiscard]] bool looksOut(std::unique_lock<BriefLock>& lock) noexcept;
     void link(std::shared_ptr<NSOperation> operation) noexcept;
     [[nodiscard]] std::shared_ptr<NSOperation> unlink(NSOperation& operation) noexcept;
+    void leaveOne() noexcept;
     void makeReady(NSOperation& operation);
+    [[nodiscard]] bool isBlockNext() const noexcept;
+    void makeOperationsOfBlocks();
     void enterReady(NSOperation& operation);
     [[nodiscard]] NSOperation& takeFirstReady() noexcept;
     void postpone(NSOperation& operation);
@@ -96,10 +126,20 @@ private:
     std::atomic<int> timesEmptied_{0};
     std::uint64_t lastOrder_ = 0;
     std::array<ReadyOperations, kPriorities> lanes_;
+    WorkList blocks_;
+    std::size_t waitingBlocks_ = 0;
+    RunningBlock* firstRunning_ = nullptr;
+    RunningBlock* lastRunning_ = nullptr;
+    /// Waiting and running blocks that are no objects, and the place of the last in the order of adding.
+    std::size_t hiddenBlocks_ = 0;
+    std::uint64_t lastBlockOrder_ = 0;
+    /// Ready operations and waiting blocks.
     std::size_t readyCount_ = 0;
     /// Operations started and not finished.
     std::size_t running_ = 0;
     int width_ = -1;
+    /// Workers that will look at the ready operations within a moment.
+    std::size_t lookingOut_ = 0;
     bool isTurnDue_ = false;
     /// Null when there is neither an operation nor a turn due.
     std::shared_ptr<OperationQueueCore> self_;

@@ -64,6 +64,12 @@ public:
         return taken;
     }
 
+    void clear() noexcept {
+        const Handle first = std::exchange(first_, Handle());
+        const auto further = std::move(further_);
+        hasFirst_ = false;
+    }
+
     void swap(ShortList& other) noexcept {
         std::swap(hasFirst_, other.hasFirst_);
         std::swap(first_, other.first_);

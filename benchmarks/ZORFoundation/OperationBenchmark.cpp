@@ -38,8 +38,20 @@ NSOperationQueue queueOfWidth(int width) {
 
 constexpr std::size_t kBlocks = 100'000;
 
+void runOnPlainPool() {
+    static PlainPool pool(kWidth);
+    std::atomic<std::size_t> runs{0};
+    std::binary_semaphore isDone(0);
+    for (std::size_t i = 0; i < kBlocks; ++i) {
+        pool.async([&runs, &isDone] {
+            if (runs.fetch_add(1) + 1 == kBlocks) isDone.release();
+        });
+    }
+    isDone.acquire();
+}
+
 const Comparison kTinyBlocks =
-    Comparison("operation queue of width 2, a tiny block operation")
+    Comparison("operation queue of width 2, a tiny block")
         .inElapsedTime()
         .itemsPerCall(kBlocks)
         .candidate([] {
@@ -50,20 +62,25 @@ const Comparison kTinyBlocks =
             }
             queue.waitUntilAllOperationsAreFinished();
         })
-        .peer("textbook pool of two threads",
-              [] {
-                  static PlainPool pool(kWidth);
-                  std::atomic<std::size_t> runs{0};
-                  std::binary_semaphore isDone(0);
-                  for (std::size_t i = 0; i < kBlocks; ++i) {
-                      pool.async([&runs, &isDone] {
-                          if (runs.fetch_add(1) + 1 == kBlocks) isDone.release();
-                      });
-                  }
-                  isDone.acquire();
-              })
+        .peer("textbook pool of two threads", runOnPlainPool)
         .expectedNanoseconds(250)
         .add();
+
+const Comparison kTinyBlockOperations = Comparison("operation queue of width 2, a tiny block operation")
+                                            .inElapsedTime()
+                                            .itemsPerCall(kBlocks)
+                                            .candidate([] {
+                                                static const NSOperationQueue queue = queueOfWidth(kWidth);
+                                                std::atomic<std::size_t> runs{0};
+                                                for (std::size_t i = 0; i < kBlocks; ++i) {
+                                                    queue.addOperation(NSBlockOperation::blockOperationWithBlock(
+                                                        [&runs] { runs.fetch_add(1, std::memory_order_relaxed); }));
+                                                }
+                                                queue.waitUntilAllOperationsAreFinished();
+                                            })
+                                            .peer("textbook pool of two threads", runOnPlainPool)
+                                            .expectedNanoseconds(250)
+                                            .add();
 
 constexpr std::size_t kSequence = 10'000;
 

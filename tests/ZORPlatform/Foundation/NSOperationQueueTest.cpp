@@ -49,10 +49,11 @@ void expectRefused(const NSOperationQueue& queue, const std::shared_ptr<NSOperat
 class RunOrder {
 public:
     std::shared_ptr<NSBlockOperation> operation(int number) {
-        return block([this, number] {
-            const std::scoped_lock lock(mutex_);
-            numbers_.push_back(number);
-        });
+        return block([this, number] { note(number); });
+    }
+    void note(int number) {
+        const std::scoped_lock lock(mutex_);
+        numbers_.push_back(number);
     }
     std::vector<int> numbers() {
         const std::scoped_lock lock(mutex_);
@@ -375,13 +376,139 @@ TEST(NSOperationQueue, RunsALongChainInASmallStack) {
     });
 }
 
-TEST(NSOperationQueue, TakesOnePieceOfMemoryForASmallBlock) {
+TEST(NSOperationQueue, TakesNoMemoryForMostBlocks) {
+    constexpr std::size_t kBlocks = 10'000;
     const auto queue = queueOfWidth(0);
     const support::AllocationCount allocations;
-    queue.addOperationWithBlock([] {});
+    for (std::size_t i = 0; i < kBlocks; ++i) queue.addOperationWithBlock([] {});
+    EXPECT_LE(allocations.count(), kBlocks / 100);
+    queue.setMaxConcurrentOperationCount(1);
+    queue.waitUntilAllOperationsAreFinished();
+}
+
+TEST(NSOperationQueue, TakesOnePieceOfMemoryForABlockOperation) {
+    const auto queue = queueOfWidth(0);
+    const support::AllocationCount allocations;
+    queue.addOperation(block([] {}));
     EXPECT_LE(allocations.count(), 1U);
     queue.setMaxConcurrentOperationCount(1);
     queue.waitUntilAllOperationsAreFinished();
+}
+
+TEST(NSOperationQueue, StartsBlocksAmongOperationsByPriorityAndInTheOrderOfAdding) {
+    RunOrder order;
+    const auto queue = queueOfWidth(0);
+    const auto add = [&](int number, NSOperationQueuePriority priority) {
+        const auto operation = order.operation(number);
+        operation->setQueuePriority(priority);
+        queue.addOperation(operation);
+    };
+    queue.addOperationWithBlock([&order] { order.note(1); });
+    queue.addOperationWithBlock([&order] { order.note(2); });
+    add(3, NSOperationQueuePriority::normal);
+    add(4, NSOperationQueuePriority::high);
+    queue.addOperationWithBlock([&order] { order.note(5); });
+    add(6, NSOperationQueuePriority::low);
+    EXPECT_EQ(queue.operationCount(), 6U);
+    queue.setMaxConcurrentOperationCount(1);
+    queue.waitUntilAllOperationsAreFinished();
+    EXPECT_THAT(order.numbers(), ElementsAre(4, 1, 2, 3, 5, 6));
+}
+
+TEST(NSOperationQueue, HandsOutTheOperationsOfItsBlocksInTheOrderOfAdding) {
+    RunOrder order;
+    const auto queue = queueOfWidth(0);
+    queue.addOperationWithBlock([&order] { order.note(1); });
+    queue.addOperationWithBlock([&order] { order.note(2); });
+    const auto third = order.operation(3);
+    queue.addOperation(third);
+    const auto operations = queue.operations();
+    ASSERT_EQ(operations.size(), 3U);
+    EXPECT_EQ(operations[2], third);
+    EXPECT_EQ(queue.operations(), operations);
+    for (const auto& operation : operations) EXPECT_TRUE(operation->isReady() && !operation->isExecuting());
+    expectRefused(queue, operations[0]);
+    // What depends on one of them waits for it, and one that is cancelled does not run.
+    const auto fourth = order.operation(4);
+    fourth->addDependency(operations[1]);
+    queue.addOperation(fourth);
+    operations[0]->cancel();
+    queue.addOperationWithBlock([&order] { order.note(5); });
+    const support::NotificationLog log(*operations[1]);
+    queue.setMaxConcurrentOperationCount(1);
+    queue.waitUntilAllOperationsAreFinished();
+    EXPECT_THAT(order.numbers(), ElementsAre(2, 3, 4, 5));
+    EXPECT_TRUE(operations[0]->isFinished());
+    EXPECT_THAT(log.entries(), ElementsAre("will isExecuting", "did isExecuting", "will isExecuting", "did isExecuting",
+                                           "will isFinished", "did isFinished"));
+}
+
+TEST(NSOperationQueue, HandsOutTheOperationOfABlockThatIsRunning) {
+    RunOrder order;
+    const auto queue = queueOfWidth(1);
+    std::latch hasBegun(1);
+    std::latch mayEnd(1);
+    queue.addOperationWithBlock([&] {
+        const auto operations = queue.operations();
+        if (!operations.empty() && operations[0]->isExecuting()) order.note(1);
+        hasBegun.count_down();
+        mayEnd.wait();
+        if (operations[0]->isCancelled()) order.note(2);
+    });
+    queue.addOperationWithBlock([&order] { order.note(3); });
+    hasBegun.wait();
+    const auto operations = queue.operations();
+    ASSERT_EQ(operations.size(), 2U);
+    EXPECT_TRUE(operations[0]->isExecuting());
+    EXPECT_FALSE(operations[1]->isExecuting());
+    expectRefused(queue, operations[0]);
+    EXPECT_THROW(operations[0]->start(), NSException);
+    EXPECT_THROW(std::static_pointer_cast<NSBlockOperation>(operations[0])->addExecutionBlock([] {}), NSException);
+    const support::NotificationLog log(*operations[0]);
+    const DispatchGroup completed;
+    completed.enter();
+    operations[0]->setCompletionBlock([completed] { completed.leave(); });
+    const auto dependent = order.operation(4);
+    dependent->addDependency(operations[0]);
+    EXPECT_FALSE(dependent->isReady());
+    queue.addOperation(dependent);
+    operations[0]->cancel();
+    EXPECT_FALSE(operations[0]->isFinished());
+    mayEnd.count_down();
+    operations[0]->waitUntilFinished();
+    queue.waitUntilAllOperationsAreFinished();
+    completed.wait();
+    EXPECT_THAT(order.numbers(), ElementsAre(1, 2, 3, 4));
+    EXPECT_THAT(log.entries(), ElementsAre("will isCancelled", "did isCancelled", "will isExecuting", "did isExecuting",
+                                           "will isFinished", "did isFinished"));
+    while (operations[0].use_count() > 1) std::this_thread::yield();
+}
+
+TEST(NSOperationQueue, CancelsItsBlocksToo) {
+    const auto queue = queueOfWidth(0);
+    const auto held = std::make_shared<int>(0);
+    for (int i = 0; i < 3; ++i) {
+        queue.addOperationWithBlock([held] { ADD_FAILURE() << "cancelled block ran"; });
+    }
+    queue.cancelAllOperations();
+    queue.setMaxConcurrentOperationCount(2);
+    queue.waitUntilAllOperationsAreFinished();
+    while (held.use_count() > 1) std::this_thread::yield();
+}
+
+TEST(NSOperationQueue, RunsBlocksTogetherUpToItsWidth) {
+    const auto queue = queueOfWidth(3);
+    std::latch together(3);
+    for (int i = 0; i < 3; ++i) queue.addOperationWithBlock([&together] { together.arrive_and_wait(); });
+    queue.waitUntilAllOperationsAreFinished();
+}
+
+TEST(NSOperationQueue, DestroysABlockBeforeItsOperationHasFinished) {
+    const auto queue = queueOfWidth(1);
+    const auto held = std::make_shared<int>(0);
+    queue.addOperationWithBlock([held] {});
+    queue.waitUntilAllOperationsAreFinished();
+    EXPECT_EQ(held.use_count(), 1);
 }
 
 TEST(NSThread, RunsItsWorkOnAnotherThread) {
@@ -406,7 +533,8 @@ TEST_F(NSOperationQueueDeathTest, StopsOnNullAndOnAnOperationWithoutASharedPoint
     NSOperation onStack;
     EXPECT_DEATH(NSOperationQueue().addOperation(std::shared_ptr<NSOperation>(std::shared_ptr<void>(), &onStack)),
                  "NSOperationQueue addOperation: the operation must be held by a std::shared_ptr");
-    EXPECT_DEATH(NSOperationQueue().addOperationWithBlock(nullptr), "the block must not be empty");
+    EXPECT_DEATH(NSOperationQueue().addOperationWithBlock(nullptr),
+                 "NSOperationQueue addOperationWithBlock: the block must not be empty");
     EXPECT_DEATH(NSThread::detachNewThread(nullptr), "NSThread detachNewThread: the work must not be empty");
 }
 

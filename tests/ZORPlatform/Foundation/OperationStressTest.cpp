@@ -101,6 +101,51 @@ TEST_P(OperationStress, RunsEachOperationAtMostOnceAndAfterItsDependencies) {
     EXPECT_GE(ran, kOperations - kOperations / 20);
 }
 
+TEST_P(OperationStress, RunsEachBlockAtMostOnceWhoeverAsksForTheOperationsMeanwhile) {
+    constexpr std::size_t kBlocks = 30'000;
+    const NSOperationQueue queue;
+    queue.setMaxConcurrentOperationCount(GetParam());
+    std::vector<std::atomic<int>> runs(kBlocks);
+    std::atomic<bool> isOver{false};
+    std::atomic<std::size_t> cancelled{0};
+    constexpr std::size_t kAdders = 2;
+    std::vector<std::thread> adders;
+    for (std::size_t t = 0; t < kAdders; ++t) {
+        adders.emplace_back([&, t] {
+            for (std::size_t i = t; i < kBlocks; i += kAdders) {
+                const auto count = [&run = runs[i]] { ++run; };
+                if (i % 64 == 0) {
+                    queue.addOperation(NSBlockOperation::blockOperationWithBlock(count));
+                } else {
+                    queue.addOperationWithBlock(count);
+                }
+            }
+        });
+    }
+    std::thread asking([&] {
+        for (std::size_t round = 0; !isOver; ++round) {
+            const auto operations = queue.operations();
+            if (round % 8 == 0 && !operations.empty()) {
+                operations.back()->cancel();
+                if (operations.back()->isCancelled()) ++cancelled;
+            }
+            if (round % 16 == 0 && !operations.empty()) operations.front()->waitUntilFinished();
+        }
+    });
+    for (std::thread& adder : adders) adder.join();
+    queue.waitUntilAllOperationsAreFinished();
+    isOver = true;
+    asking.join();
+
+    EXPECT_EQ(queue.operationCount(), 0U);
+    std::size_t ran = 0;
+    for (const std::atomic<int>& run : runs) {
+        EXPECT_LE(run, 1);
+        ran += static_cast<std::size_t>(run);
+    }
+    EXPECT_GE(ran + cancelled, kBlocks);
+}
+
 INSTANTIATE_TEST_SUITE_P(OfWidth, OperationStress, testing::Values(1, 2, 8, -1));
 
 }  // namespace

@@ -57,6 +57,15 @@ TEST(ShortList, TakesOutTheChosenOnesAndKeepsTheOthersInOrder) {
     EXPECT_THAT(numbers(list), ElementsAre(7));
 }
 
+TEST(ShortList, IsEmptyAndUsableOnceCleared) {
+    ShortList<Number> list = listOf({1, 2, 3});
+    list.clear();
+    EXPECT_THAT(numbers(list), IsEmpty());
+    EXPECT_EQ(list.size(), 0U);
+    list.append(std::make_shared<int>(4));
+    EXPECT_THAT(numbers(list), ElementsAre(4));
+}
+
 TEST(ShortList, DropsObsoleteElementsRatherThanTakeMoreMemory) {
     ShortList<std::weak_ptr<int>> list;
     const auto kept = std::make_shared<int>(0);
