@@ -35,7 +35,7 @@ bool writeAll(int descriptor, std::span<const std::uint8_t> bytes) {
 }
 
 // Some file systems have no durable directories to offer and say so with EINVAL.
-bool syncDirectory(const fs::path& directory) {
+bool syncDirectory(const std::string& directory) {
     Descriptor descriptor(systemCalls().open(directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC, 0));
     if (!descriptor.isOpen()) return false;
     return systemCalls().fsync(descriptor.number()) == 0 || errno == EINVAL;
@@ -56,7 +56,7 @@ std::string temporaryName() {
 /// A new file beside its target, gone again unless it takes the target's place.
 class TemporaryFile {
 public:
-    TemporaryFile(const fs::path& directory, mode_t mode) : path_(directory / temporaryName()) {
+    TemporaryFile(const std::string& directory, mode_t mode) : path_(directory + '/' + temporaryName()) {
         descriptor_ = systemCalls().open(path_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode);
     }
     ~TemporaryFile() {
@@ -95,20 +95,22 @@ public:
     }
 
 private:
-    fs::path path_;
+    std::string path_;
     int descriptor_;
     bool closed_ = false;
     bool placed_ = false;
 };
 
-fs::path directoryOf(const fs::path& path) {
-    const fs::path directory = path.parent_path();
-    return directory.empty() ? fs::path(".") : directory;
+std::string directoryOf(const fs::path& path) {
+    const std::string& name = path.native();
+    const std::size_t slash = name.rfind('/');
+    if (slash == std::string::npos) return ".";
+    return name.substr(0, std::max<std::size_t>(slash, 1));
 }
 
 /// @param old  the file that is there, or a null pointer
 bool replace(const fs::path& target, const struct stat* old, std::span<const std::uint8_t> bytes, mode_t modeOfNew) {
-    const fs::path directory = directoryOf(target);
+    const std::string directory = directoryOf(target);
     TemporaryFile temporary(directory, old != nullptr ? kPrivateMode : modeOfNew);
     // The mode comes before the content: what was private is never readable in between.
     return temporary.isOpen() && (old == nullptr || temporary.resemble(*old)) && temporary.fill(bytes) &&
@@ -181,7 +183,7 @@ NSFileManager::Creation NSFileManager::createPrivateFile(const fs::path& path, s
     if (!namesAFile(path)) return Creation::failed;
     std::error_code error;
     if (fs::exists(fs::symlink_status(path, error))) return Creation::existed;
-    const fs::path directory = directoryOf(path);
+    const std::string directory = directoryOf(path);
     {
         TemporaryFile temporary(directory, kPrivateMode);
         if (!temporary.isOpen() || !temporary.fill(bytes)) return Creation::failed;
@@ -194,7 +196,7 @@ bool NSFileManager::createPrivateDirectory(const fs::path& path) {
     if (!namesAFile(path)) return false;
     std::error_code error;
     if (fs::is_directory(path, error)) return true;
-    const fs::path above = directoryOf(path);
+    const std::string above = directoryOf(path);
     if (above == path || !createPrivateDirectory(above)) return false;
     if (systemCalls().mkdir(path.c_str(), kPrivateDirectoryMode) != 0) {
         return errno == EEXIST && fs::is_directory(path, error);
