@@ -54,6 +54,14 @@ private:
     std::optional<ZORKeychain::Bytes> bytes_;
 };
 
+/// A key as UTF-8; absent when it has a lone surrogate.
+std::optional<ZORKeychain::Bytes> utf8Bytes(std::u16string_view text) {
+    if (wellFormedPrefix(text).size() != text.size()) return std::nullopt;
+    ZORKeychain::Bytes bytes(3 * text.size());
+    bytes.resize(utf8Prefix(text, {reinterpret_cast<char*>(bytes.data()), bytes.size()}).bytes);
+    return bytes;
+}
+
 std::optional<NSNumber> numberIn(const std::optional<ArchivedValue>& object) {
     const NSNumber* number = object ? object->as<NSNumber>() : nullptr;
     return number != nullptr ? std::optional(*number) : std::nullopt;
@@ -94,10 +102,9 @@ SecItemDictionary ZORKeychain::setupKeychainQueryDictionary(std::u16string_view 
     query.set(kSecAttrService, serviceName_);
     if (withAccessibility) query.set(kSecAttrAccessible, keychainAttrValue(*withAccessibility));
     if (accessGroup_) query.set(kSecAttrAccessGroup, *accessGroup_);
-    if (const std::optional<std::string> encoded = utf8IfWellFormed(forKey)) {
-        Bytes bytes(encoded->begin(), encoded->end());
-        query.set(kSecAttrGeneric, bytes);
-        query.set(kSecAttrAccount, std::move(bytes));
+    if (std::optional<Bytes> encoded = utf8Bytes(forKey)) {
+        query.set(kSecAttrGeneric, *encoded);
+        query.set(kSecAttrAccount, std::move(*encoded));
     }
     return query;
 }

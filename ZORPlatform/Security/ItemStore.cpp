@@ -213,15 +213,8 @@ void complete(const ItemClass& itemClass, ItemAttributes& attributes) {
 /// Compares rows with what a query gives.
 class Matcher {
 public:
-    explicit Matcher(const Request& query) {
-        std::size_t covered = 0;
-        prefix_ = identityPrefix(*query.itemClass, query.attributes, covered);
-        for (const ItemAttribute& attribute : query.attributes) {
-            const auto key = query.itemClass->key.first(covered);
-            const bool isCovered =
-                std::any_of(key.begin(), key.end(), [&](const auto& rule) { return rule.code == attribute.code; });
-            if (!isCovered) tests_.push_back({&attribute, query.itemClass->isKey(attribute.code)});
-        }
+    explicit Matcher(const Request& query) : query_(query) {
+        prefix_ = identityPrefix(*query.itemClass, query.attributes, keyAttributesCovered_);
     }
 
     /// What the identity of every match begins with.
@@ -230,33 +223,36 @@ public:
     /// @return `errSecItemNotFound` for a row that differs, `errSecDecode` for one that cannot be compared
     [[nodiscard]] OSStatus compare(const ItemRow& row) const {
         if (!row.identity.starts_with(prefix_)) return errSecItemNotFound;
-        for (const Test& test : tests_) {
-            if (const OSStatus status = compare(test, row.attributes); status != errSecSuccess) return status;
+        for (const ItemAttribute& wanted : query_.attributes) {
+            if (isCovered(wanted)) continue;
+            if (const OSStatus status = compare(wanted, row.attributes); status != errSecSuccess) return status;
         }
         return errSecSuccess;
     }
 
 private:
-    struct Test {
-        const ItemAttribute* attribute;
-        bool isKey;
-    };
+    /// Whether the prefix tells the attribute.
+    [[nodiscard]] bool isCovered(const ItemAttribute& attribute) const noexcept {
+        const auto covered = query_.itemClass->key.first(keyAttributesCovered_);
+        return std::any_of(covered.begin(), covered.end(),
+                           [&](const auto& rule) { return rule.code == attribute.code; });
+    }
 
-    static OSStatus compare(const Test& test, std::string_view attributes) {
+    [[nodiscard]] OSStatus compare(const ItemAttribute& wanted, std::string_view attributes) const {
         AttributeReader reader(attributes);
         for (ItemAttributeView stored; reader.next(stored);) {
-            if (stored.code != test.attribute->code) continue;
-            return stored.payload == test.attribute->payload ? errSecSuccess : errSecItemNotFound;
+            if (stored.code != wanted.code) continue;
+            return stored.payload == wanted.payload ? errSecSuccess : errSecItemNotFound;
         }
         if (reader.isDamaged()) return errSecDecode;
         // What is missing in a primary key counts as empty or 0.
-        const std::string& wanted = test.attribute->payload;
-        const bool isEmpty = wanted.find_first_not_of('\0') == std::string::npos;
-        return test.isKey && isEmpty ? errSecSuccess : errSecItemNotFound;
+        const bool isEmpty = wanted.payload.find_first_not_of('\0') == std::string::npos;
+        return isEmpty && query_.itemClass->isKey(wanted.code) ? errSecSuccess : errSecItemNotFound;
     }
 
+    const Request& query_;
     std::string prefix_;
-    std::vector<Test> tests_;
+    std::size_t keyAttributesCovered_ = 0;
 };
 
 /// Calls `work` for every row that a query finds, with the status of comparing: success, or `errSecDecode`.

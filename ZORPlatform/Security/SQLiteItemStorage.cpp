@@ -106,12 +106,11 @@ private:
     sqlite3_stmt* statement_;
 };
 
-/// The first string above all those that begin with `prefix`, which does not consist of 0xFF alone.
-std::string successor(std::string_view prefix) {
-    std::string next(prefix);
+/// Makes `next` the first string above all those that begin with `prefix`, which does not consist of 0xFF alone.
+void makeSuccessor(std::string_view prefix, std::string& next) {
+    next = prefix;
     while (!next.empty() && next.back() == '\xFF') next.pop_back();
     if (!next.empty()) next.back() = static_cast<char>(static_cast<unsigned char>(next.back()) + 1);
-    return next;
 }
 
 }  // namespace
@@ -288,9 +287,9 @@ OSStatus SQLiteItemStorage::visitRows(sqlite3_stmt* statement, const Visitor& vi
 
 OSStatus SQLiteItemStorage::visit(std::string_view prefix, const Visitor& visitor) {
     if (prefix.empty()) return visitRows(visitAll_.get(), visitor);
-    const std::string end = successor(prefix);
+    makeSuccessor(prefix, end_);
     bindBytes(visit_.get(), 1, prefix);
-    bindBytes(visit_.get(), 2, end);
+    bindBytes(visit_.get(), 2, end_);
     return visitRows(visit_.get(), visitor);
 }
 

@@ -9,6 +9,7 @@
 #include <filesystem>
 #include <memory>
 #include <span>
+#include <string>
 #include <vector>
 
 struct sqlite3;
@@ -83,6 +84,7 @@ private:
     Statement commit_;
     Statement rollback_;
     Clock::time_point waitingSince_;
+    std::string end_;  ///< Of what a visit goes through. Kept for its memory.
 };
 
 }  // namespace ZORPlatform
