@@ -76,8 +76,10 @@ std::uint32_t fixedDigits(const DatePattern::Item& item) {
     return isWhole ? item.count : 0;
 }
 
-/// Each field at most once, an offset such as "+0100" at the end only, and no digit in a literal text.
+/// Each field at most once, an offset such as "+0100" at the end only, and between them only what ICU does not take for
+/// a part of the number before it: a digit of any script, or the "E" of an exponent, it does.
 bool isFixedWidth(const DatePattern& pattern) {
+    constexpr std::u16string_view kSeparators = u" ,-./:T";
     std::u16string seen;
     for (const DatePattern::Item& item : pattern.items) {
         const bool isOffset = item.symbol == u'Z' && item.count <= 3 && &item == &pattern.items.back();
@@ -85,7 +87,7 @@ bool isFixedWidth(const DatePattern& pattern) {
         if (fixedDigits(item) == 0 || seen.find(item.symbol) != seen.npos) return false;
         seen += item.symbol;
     }
-    return pattern.literals.find_first_of(u"0123456789") == pattern.literals.npos;
+    return pattern.literals.find_first_not_of(kSeparators) == pattern.literals.npos;
 }
 
 class PatternReader {
@@ -547,8 +549,17 @@ std::u16string icuText(const Parts& parts, const Milliseconds& moment) {
     return U_SUCCESS(status) ? std::u16string(view(text)) : std::u16string();
 }
 
+/// Whether the year that was read has four digits. ICU would work out all fields to tell it, which takes as long as
+/// reading half of a text; far from the year 1000 the moment tells it, too.
+bool isFourDigitYear(const icu::Calendar& read, UDate time) {
+    constexpr double kSurely = 1000.0 * kSecondsPerDay * daysSince1970(1002, 1, 1);
+    constexpr std::int32_t kFirst = 1000;
+    UErrorCode status = U_ZERO_ERROR;
+    return time >= kSurely || read.get(UCAL_EXTENDED_YEAR, status) >= kFirst;
+}
+
 /// Whether the year was written with all the digits that the pattern asks for.
-bool hasWholeYear(const Parts& parts, std::u16string_view text, std::int32_t readYear) {
+bool hasWholeYear(const Parts& parts, std::u16string_view text, const icu::Calendar& read, UDate time) {
     const std::vector<DatePattern::Item>& items = parts.pattern->items;
     constexpr std::uint32_t kShortYear = 2;
     const auto year = std::find_if(items.begin(), items.end(), [](const DatePattern::Item& item) {
@@ -556,10 +567,8 @@ bool hasWholeYear(const Parts& parts, std::u16string_view text, std::int32_t rea
     });
     // Behind another number the year has exactly its digits.
     if (year == items.end() || (year != items.begin() && isNumber(*std::prev(year)))) return true;
-    // In front of another number, ICU fills up a year of two digits with a century.
-    constexpr std::int32_t kFourDigits = 1000;
     const bool isBeforeNumber = std::next(year) != items.end() && isNumber(*std::next(year));
-    if (readYear >= kFourDigits && !isBeforeNumber) return true;
+    if (!isBeforeNumber && isFourDigitYear(read, time)) return true;
 
     icu::ParsePosition position;
     if (year->begin > 0) {
@@ -571,11 +580,17 @@ bool hasWholeYear(const Parts& parts, std::u16string_view text, std::int32_t rea
     }
     auto at = static_cast<std::size_t>(position.getIndex());
     while (at < text.size() && u_isUWhiteSpace(text[at])) ++at;
+    constexpr std::int64_t kBeyondYears = 1'000'000'000;
+    std::int64_t number = 0;
     std::uint32_t digits = 0;
-    for (; at < text.size() && u_isdigit(text[at]); ++at) ++digits;
-    std::uint32_t wanted = year->count;
-    for (auto next = std::next(year); next != items.end() && isNumber(*next); ++next) wanted += next->count;
-    return digits >= wanted;
+    for (; at < text.size() && digits < year->count && u_isdigit(text[at]); ++at, ++digits) {
+        number = std::min(number * 10 + u_charDigitValue(text[at]), kBeyondYears);
+    }
+    if (digits < year->count) return false;
+    // In front of another number, ICU leaves digits to that one where the text is short of them, and fills up a year of
+    // two with a century. It is another year then.
+    UErrorCode status = U_ZERO_ERROR;
+    return !isBeforeNumber || read.get(UCAL_EXTENDED_YEAR, status) == number;
 }
 
 }  // namespace
@@ -636,8 +651,7 @@ std::optional<NSDate> NSDateFormatter::dateFromString(std::u16string_view text) 
     }
     UErrorCode status = U_ZERO_ERROR;
     const UDate time = calendar->getTime(status);
-    const std::int32_t year = calendar->get(UCAL_EXTENDED_YEAR, status);
-    if (U_FAILURE(status) || !hasWholeYear(parts, text, year)) return std::nullopt;
+    if (U_FAILURE(status) || !hasWholeYear(parts, text, *calendar, time)) return std::nullopt;
     constexpr double kPerSecond = 1000;
     const double seconds = std::floor(time / kPerSecond);
     return calendarDate({static_cast<std::int64_t>(seconds), (time - seconds * kPerSecond) / kPerSecond});

@@ -265,25 +265,36 @@ TEST(NSDateFormatterReading, SkippedTimesAndDaysWithoutMidnightAreNotRead) {
 }
 
 /// What ICU itself reads, with what the formatter promises beside it: the whole text, and the year 2000.
-std::optional<NSDate> icuDate(std::u16string_view pattern, std::u16string_view locale, const NSTimeZone& inZone,
-                              std::u16string_view text) {
-    const icu::Locale icuLocale(utf8(locale).c_str());
-    UErrorCode status = U_ZERO_ERROR;
-    icu::SimpleDateFormat format(icu::UnicodeString(pattern.data(), static_cast<std::int32_t>(pattern.size())),
-                                 icuLocale, status);
-    format.setTimeZone(*inZone.rules().icuZone);
-    format.setLenient(false);
-    icu::GregorianCalendar calendar(inZone.rules().icuZone->clone(), icuLocale, status);
-    calendar.setLenient(false);
-    calendar.setRepeatedWallTimeOption(UCAL_WALLTIME_FIRST);
-    calendar.clear();
-    calendar.set(UCAL_YEAR, 2000);
-    icu::ParsePosition position;
-    format.parse(icu::UnicodeString(text.data(), static_cast<std::int32_t>(text.size())), calendar, position);
-    const double time = calendar.getTime(status);
-    const bool isWhole = position.getIndex() == static_cast<std::int32_t>(text.size());
-    return isWhole && U_SUCCESS(status) ? std::optional(NSDate::since1970(time / 1000)) : std::nullopt;
-}
+class IcuReading {
+public:
+    IcuReading(std::u16string_view pattern, std::u16string_view locale, const NSTimeZone& inZone)
+        : locale_(utf8(locale).c_str()),
+          format_(icu::UnicodeString(pattern.data(), static_cast<std::int32_t>(pattern.size())), locale_, status_),
+          calendar_(inZone.rules().icuZone->clone(), locale_, status_) {
+        format_.setTimeZone(*inZone.rules().icuZone);
+        format_.setLenient(false);
+        calendar_.setLenient(false);
+        calendar_.setRepeatedWallTimeOption(UCAL_WALLTIME_FIRST);
+        calendar_.clear();
+        calendar_.set(UCAL_YEAR, 2000);
+    }
+
+    [[nodiscard]] std::optional<NSDate> date(std::u16string_view text) const {
+        const std::unique_ptr<icu::Calendar> calendar(calendar_.clone());
+        icu::ParsePosition position;
+        format_.parse(icu::UnicodeString(text.data(), static_cast<std::int32_t>(text.size())), *calendar, position);
+        UErrorCode status = U_ZERO_ERROR;
+        const double time = calendar->getTime(status);
+        const bool isWhole = position.getIndex() == static_cast<std::int32_t>(text.size());
+        return isWhole && U_SUCCESS(status) ? std::optional(NSDate::since1970(time / 1000)) : std::nullopt;
+    }
+
+private:
+    icu::Locale locale_;
+    UErrorCode status_ = U_ZERO_ERROR;
+    icu::SimpleDateFormat format_;
+    icu::GregorianCalendar calendar_;
+};
 
 TEST(NSDateFormatterReading, NumbersAreReadAsIcuReadsThem) {
     std::mt19937_64 random(6106);
@@ -292,6 +303,7 @@ TEST(NSDateFormatterReading, NumbersAreReadAsIcuReadsThem) {
           u"yyyy-MM-dd'T'HH:mm:ss.SSS", u"yyyy-MM-dd'T'HH:mm:ss.SSSZ", u"HH'h'mm,ss"}) {
         for (const std::u16string_view inZone : {u"Europe/Brussels", u"America/Sao_Paulo", u"Australia/Lord_Howe"}) {
             const NSDateFormatter tested = formatter(pattern, u"nl_BE", inZone);
+            const IcuReading icu(pattern, u"nl_BE", zone(inZone));
             for (int i = 0; i < 120; ++i) {
                 const double seconds = std::floor(std::uniform_real_distribution<double>(-1.3e10, 5e9)(random));
                 std::u16string text =
@@ -302,11 +314,72 @@ TEST(NSDateFormatterReading, NumbersAreReadAsIcuReadsThem) {
                     if (unit >= u'0' && unit <= u'9') unit = static_cast<char16_t>(u'0' + random() % 10);
                 }
                 const auto read = tested.dateFromString(text);
-                const auto expected = icuDate(pattern, u"nl_BE", zone(inZone), text);
+                const auto expected = icu.date(text);
                 ASSERT_EQ(read.has_value(), expected.has_value()) << utf8(pattern) << ' ' << utf8(text);
                 if (!read) continue;
                 EXPECT_NEAR(read->timeIntervalSince1970(), expected->timeIntervalSince1970(), 1e-5)
                     << utf8(pattern) << ' ' << utf8(text);
+            }
+        }
+    }
+}
+
+TEST(NSDateFormatterReading, ASignBetweenNumbersMeansWhatItMeansToIcu) {
+    // An exponent and digits of other scripts belong to the number before them, and then nothing fits.
+    std::u16string signs = u"\u00A0\u00D7\u066B\u0663\u0669\u096B\u2028\u2212\u2030\u221E\uFF13\uFFFD";
+    for (char16_t sign = 1; sign < 0x80; ++sign) {
+        if (sign < u'0' || sign > u'9') signs += sign;
+    }
+    for (const char16_t sign : signs) {
+        const std::u16string quoted = sign == u'\'' ? u"''" : std::u16string{u'\'', sign, u'\''};
+        const std::u16string between(1, sign);
+        const std::u16string pattern = u"dd" + quoted + u"MM" + quoted + u"yyyy" + quoted;
+        const std::u16string text = u"05" + between + u"03" + between + u"2018" + between;
+        EXPECT_EQ(formatter(pattern).dateFromString(text),
+                  IcuReading(pattern, u"nl_BE", zone(u"Europe/Brussels")).date(text))
+            << static_cast<unsigned>(sign);
+    }
+    EXPECT_EQ(formatter(u"HH'E'mm").dateFromString(u"12E30"), std::nullopt);
+    EXPECT_TRUE(formatter(u"HH'h'mm").dateFromString(u"12h30"));
+}
+
+TEST(NSDateFormatterReading, NumbersInOtherFormsAreReadAsIcuReadsThem) {
+    const std::vector<std::u16string_view> days{u"05",  u"5",        u" 5", u"005",          u"-5",
+                                                u"+5",  u"\u200E05", u"",   u"\u0660\u0665", u"\uFF10\uFF15",
+                                                u"5.0", u"5e0",      u"0x5"};
+    struct Year {
+        std::u16string_view text;
+        std::int64_t firstDigits;  ///< Four of them.
+    };
+    const std::vector<Year> years{
+        {u"2018", 2018},  {u"02018", 201},           {u" 2018", 2018},  {u"-2018", 2018},
+        {u"+2018", 2018}, {u"12018", 1201},          {u"99999", 9999},  {u"0000", 0},
+        {u"0001", 1},     {u"1582", 1582},           {u"1583", 1583},   {u"9999", 9999},
+        {u"10000", 1000}, {u"5828963", 5828},        {u"2018.0", 2018}, {u"2018 ", 2018},
+        {u"2012 ", 2012}, {u"20180000000000", 2018}, {u"1919 ", 1919},  {u"\u0662\u0660\u0661\u0668", 2018}};
+    const NSTimeZone brussels = zone(u"Europe/Brussels");
+    const NSCalendar calendar(NSLocale(u"nl_BE"), brussels);
+    for (const std::u16string_view separator : {u"/", u"-", u".", u" ", u""}) {
+        const std::u16string between(separator);
+        for (const std::u16string& pattern : {u"dd" + between + u"MM" + between + u"yyyy",
+                                              u"yyyy" + between + u"MM" + between + u"dd", u"yyyy" + between + u"dd"}) {
+            const IcuReading icu(pattern, u"nl_BE", brussels);
+            for (const std::u16string_view day : days) {
+                for (const Year& year : years) {
+                    std::u16string text = pattern;
+                    text.replace(text.find(u"dd"), 2, day);
+                    text.replace(text.find(u"yyyy"), 4, year.text);
+                    if (const std::size_t month = text.find(u"MM"); month != text.npos) text.replace(month, 2, u"03");
+                    auto expected = icu.date(text);
+                    // There, ICU makes do with a year of fewer digits.
+                    const bool isBeforeNumber = separator.empty() && pattern.starts_with(u'y');
+                    if (expected && isBeforeNumber &&
+                        calendar.components(NSCalendarUnit::year, *expected).year != year.firstDigits) {
+                        expected = std::nullopt;
+                    }
+                    EXPECT_EQ(formatter(pattern).dateFromString(text), expected)
+                        << utf8(pattern) << " \"" << utf8(text) << "\"";
+                }
             }
         }
     }
