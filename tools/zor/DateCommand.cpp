@@ -124,8 +124,15 @@ bool check(std::u16string_view text, const KindSettings& settings) { return date
 Explanation explain(std::u16string_view text, const KindSettings& settings) {
     const Explanation form = explainForm(text, settings.dates.read);
     if (!form.isValid() || check(text, settings)) return form;
-    // There is no such day in its month, or no such month.
-    return broken(BrokenRule::unexpectedCharacter, settings.dates.read.find(u'd'));
+    // Every field has its digits, so one of them is out of its range; of several, the longest one counts.
+    const std::u16string_view pattern = settings.dates.read;
+    std::u16string repaired(text);
+    for (const char16_t field : {u'd', u'M'}) {
+        const std::size_t position = pattern.find(field);
+        repaired.replace(position, 2, u"01");
+        if (check(repaired, settings)) return broken(BrokenRule::unexpectedCharacter, position);
+    }
+    return broken(BrokenRule::unexpectedCharacter, pattern.find(u'y'));
 }
 
 std::u16string normalize(std::u16string_view text, const KindSettings& settings) {
@@ -144,7 +151,9 @@ std::u16string add(std::u16string_view text, const KindSettings& settings) {
     const DateSettings& dates = settings.dates;
     const auto moved = NSCalendar::currentCalendar().dateByAddingComponents(
         {.year = dates.years, .month = dates.months, .day = dates.days}, *date);
-    return moved ? shown(*moved, settings) : std::u16string();
+    // No style shows an era: before the year 1, a text would name a day of another year.
+    const bool isShown = moved && ZORAdditions::dateComponentsForComponent(*moved, NSCalendarUnit::era).era == 1;
+    return isShown ? shown(*moved, settings) : std::u16string();
 }
 
 std::u16string years(std::u16string_view text, const KindSettings& settings) {

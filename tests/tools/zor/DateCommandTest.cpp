@@ -71,14 +71,16 @@ TEST(ZorDate, FilterHasItsFormatsColumnsAndThreads) {
     EXPECT_EQ(shown({"format", "--format=csv", "--field=2", "--style=short"}, "a,2018-03-05\nb,\n"),
               "a,2018-03-05,5 mrt\nb,,\n");
     EXPECT_EQ(shown({"format", "--format=tsv", "--emit=verdict,reason,offset,normalized,formatted", "--read=numeric"},
-                    "05/03/2018\n31/02/2018\n05-03-2018\n05/03\n\n05/03/20181\n01/13/2018\n"),
+                    "05/03/2018\n31/02/2018\n05-03-2018\n05/03\n\n05/03/20181\n01/13/2018\n32/00/2018\n01/01/0000\n"),
               "05/03/2018\t1\tnone\t\\N\t2018-03-05\t2018-03-05\n"
               "31/02/2018\t0\tunexpectedCharacter\t0\t\t\n"
               "05-03-2018\t0\tunexpectedCharacter\t2\t\t\n"
               "05/03\t0\tincomplete\t5\t\t\n"
               "\t0\tempty\t0\t\t\n"
               "05/03/20181\t0\tunexpectedCharacter\t10\t\t\n"
-              "01/13/2018\t0\tunexpectedCharacter\t0\t\t\n");
+              "01/13/2018\t0\tunexpectedCharacter\t3\t\t\n"
+              "32/00/2018\t0\tunexpectedCharacter\t3\t\t\n"
+              "01/01/0000\t0\tunexpectedCharacter\t6\t\t\n");
     std::string dates;
     for (int i = 0; i < 20000; ++i)
         dates += "20" + std::to_string(10 + i % 90) + "-03-" + std::to_string(10 + i % 20) + "\n";
@@ -92,6 +94,7 @@ TEST(ZorDate, AddMovesByCalendar) {
     EXPECT_EQ(shown({"add", "--years=1", "--months=1", "--days=1", "2016-02-29"}), "2017-03-29\n");
     EXPECT_EQ(shown({"add", "2018-03-05"}), "2018-03-05\n");
     EXPECT_EQ(shown({"add", "--days=9223372036854775807", "2018-03-05"}), "\n");
+    EXPECT_EQ(shown({"add", "--years=-2017"}, "2018-03-05\n2017-12-31\n"), "0001-03-05\n\n");
 }
 
 TEST(ZorDate, YearsAreWholeOnesUntilToday) {
