@@ -358,7 +358,9 @@ std::uint32_t classCodeOf(std::string_view identity) noexcept {
 }
 
 void appendBigEndian(std::string& bytes, std::uint64_t value, std::size_t size) {
-    while (size-- != 0) bytes.push_back(static_cast<char>(value >> (8 * size) & 0xFF));
+    std::array<char, kNumberBytes> digits{};
+    for (std::size_t i = size; i-- != 0; value >>= 8) digits[i] = static_cast<char>(value & 0xFF);
+    bytes.append(digits.data(), size);
 }
 
 std::uint64_t readBigEndian(std::string_view bytes) noexcept {

@@ -118,6 +118,7 @@ private:
 /// The code of the class that an identity begins with; 0 for bytes that are none.
 [[nodiscard]] std::uint32_t classCodeOf(std::string_view identity) noexcept;
 
+/// @param size  at most eight
 void appendBigEndian(std::string& bytes, std::uint64_t value, std::size_t size);
 /// @param bytes  at most eight
 [[nodiscard]] std::uint64_t readBigEndian(std::string_view bytes) noexcept;

@@ -99,6 +99,8 @@ OSStatus readAttribute(std::u16string_view name, const SecItemValue& given, Requ
 }
 
 OSStatus readEntry(std::u16string_view name, const SecItemValue& given, Request& request) {
+    // Most entries are attributes, and only their names have four letters.
+    if (name.size() == kCodeBytes) return readAttribute(name, given, request);
     if (name == kSecClass || name == kSecValuePersistentRef) return errSecSuccess;
     if (name == kSecMatchLimit) return readLimit(given, request);
     if (name == kSecReturnData) return readFlag(given, request.wanted.data);
