@@ -108,9 +108,11 @@ unsigned traitsOf(std::uint64_t name) noexcept {
 }
 
 constexpr std::uint64_t kA = nameHash("a");
+constexpr std::uint64_t kBody = nameHash("body");
 constexpr std::uint64_t kButton = nameHash("button");
 constexpr std::uint64_t kDD = nameHash("dd");
 constexpr std::uint64_t kDT = nameHash("dt");
+constexpr std::uint64_t kHTML = nameHash("html");
 constexpr std::uint64_t kLI = nameHash("li");
 constexpr std::uint64_t kNobr = nameHash("nobr");
 constexpr std::uint64_t kOL = nameHash("ol");
@@ -386,10 +388,13 @@ private:
 bool isNestedTooDeep(std::string_view markup) {
     OpenElements open;
     Tags tags(markup);
+    std::size_t rootAttributes = 0;
     for (Tags::Tag tag; tags.next(tag);) {
-        if (tag.attributes > kMostAttributes) return true;
         const std::uint64_t name = nameHash(tag.name);
         const unsigned traits = traitsOf(name);
+        // All tags of these two add to the attributes of one element.
+        if (name == kHTML || name == kBody) rootAttributes += tag.attributes;
+        if (std::max(tag.attributes, rootAttributes) > kMostAttributes) return true;
         if (tag.isEnd) {
             open.end(name, traits);
             continue;

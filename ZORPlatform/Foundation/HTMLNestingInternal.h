@@ -8,7 +8,8 @@
 
 namespace ZORPlatform {
 
-/// Whether the markup nests elements more than 512 deep, or has a tag with more attributes than that.
+/// Whether the markup nests elements more than 512 deep, or has a tag with more attributes than that. All tags of the
+/// document's root and of its body count as one.
 ///
 /// A guess from tags alone. It goes through the open elements as the HTML standard does, as far as that decides how
 /// many there are; elements whose end tag may be left out and that end one another do not count. Formatting that is

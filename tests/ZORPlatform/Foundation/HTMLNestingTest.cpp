@@ -93,6 +93,18 @@ TEST(HTMLNesting, FiveHundredAndTwelveAttributesAreEnough) {
     EXPECT_TRUE(isNestedTooDeep(tag(513)));
 }
 
+// Their attributes are gathered in one element, each beside all that it has.
+TEST(HTMLNesting, TagsOfTheRootShareTheirAttributes) {
+    for (const std::string_view root : {"<html a=1 b>", "<BODY a b=2>"}) {
+        std::string markup;
+        for (int tag = 0; tag < 256; ++tag) markup += root;
+        EXPECT_FALSE(isNestedTooDeep(markup)) << root;
+        EXPECT_TRUE(isNestedTooDeep(markup + "<p></p><body a>")) << root;
+    }
+    EXPECT_FALSE(isNestedTooDeep(many("<body>")));
+    EXPECT_FALSE(isNestedTooDeep(many("<p a b c>")));
+}
+
 TEST(HTMLNesting, UnfinishedMarkupIsReadToItsEnd) {
     for (const std::string_view markup :
          {"",      "<",  "<a",  "</",   "</a",     "<a ",      "<a b",     "<a b=",      "<a b='",          "<a b='c",
