@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <ZORPlatform/Foundation/OperationQueueCore.h>
 
+#include <ZORPlatform/Dispatch/ProcessorPause.h>
 #include <ZORPlatform/Foundation/NSException.h>
 
 #include <algorithm>
@@ -14,6 +15,8 @@ namespace {
 constexpr std::size_t kChosenWidth = 64;
 // Operations started in one turn before jobs of other queues are let in.
 constexpr std::size_t kOperationsInTurn = 64;
+// A microsecond or two, less than it takes to sleep and be woken.
+constexpr int kLooksBeforeRest = 24;
 
 constexpr std::size_t kNormalLane = 2;
 
@@ -104,7 +107,7 @@ void OperationQueueCore::addBlock(DispatchWork block) {
     if (self_ == nullptr) self_ = shared_from_this();
     ++waitingBlocks_;
     ++hiddenBlocks_;
-    ++readyCount_;
+    changeReadyCount(1);
     ++count_;
     lastBlockOrder_ = ++lastOrder_;
     const bool submits = takesTurn();
@@ -157,7 +160,7 @@ void OperationQueueCore::makeReady(NSOperation& operation) {
         enterReady(operation);
         // A worker that is about to return from a `start` of this queue takes one itself.
         const std::size_t taken = starting_.core == this && starting_.isConcluded ? 1 : 0;
-        submits = readyCount_ > taken && takesTurn();
+        submits = readyCount() > taken && takesTurn();
     }
     if (submits) DispatchPool::submit(*this);
 }
@@ -266,7 +269,7 @@ std::shared_ptr<NSOperation> OperationQueueCore::runFirstBlock(std::unique_lock<
     (lastRunning_ == nullptr ? firstRunning_ : lastRunning_->next) = &running;
     lastRunning_ = &running;
     --waitingBlocks_;
-    --readyCount_;
+    changeReadyCount(-1);
     ++running_;
     const bool submits = takesTurn();
     lock.unlock();
@@ -298,11 +301,19 @@ std::shared_ptr<NSOperation> OperationQueueCore::afterStart(NSOperation& operati
     return operation.place_ == NSOperation::Place::none ? std::move(operation.retained_) : nullptr;
 }
 
+std::size_t OperationQueueCore::readyCount() const noexcept { return readyCount_.load(std::memory_order_relaxed); }
+
+void OperationQueueCore::changeReadyCount(std::ptrdiff_t difference) noexcept {
+    readyCount_.store(readyCount() + static_cast<std::size_t>(difference), std::memory_order_relaxed);
+}
+
 /// Waits a moment for further operations. @return whether one can be started
 bool OperationQueueCore::looksOut(std::unique_lock<BriefLock>& lock) noexcept {
     ++lookingOut_;
     lock.unlock();
-    DispatchPool::waitForMore();
+    for (int look = 0; look < kLooksBeforeRest && readyCount() == 0 && !DispatchPool::hasReadyJobs(); ++look) {
+        pauseProcessor();
+    }
     lock.lock();
     --lookingOut_;
     return canStartOne();
@@ -324,7 +335,7 @@ std::shared_ptr<NSOperation> OperationQueueCore::unlink(NSOperation& operation) 
     if (operation.place_ == NSOperation::Place::started) --running_;
     if (operation.place_ == NSOperation::Place::ready) {
         lanes_[operation.readyLane_].remove(operation);
-        --readyCount_;
+        changeReadyCount(-1);
     }
     operation.place_ = NSOperation::Place::none;
     (operation.previous_ == nullptr ? first_ : operation.previous_->next_) = operation.next_;
@@ -355,7 +366,7 @@ void OperationQueueCore::makeOperationsOfBlocks() {
     NSOperation* const lastObject = std::exchange(last_, nullptr);
     const std::uint64_t lastOrder = std::exchange(lastOrder_, lastBlockOrder_ - hiddenBlocks_);
     count_ -= hiddenBlocks_;
-    readyCount_ -= waitingBlocks_;
+    changeReadyCount(-static_cast<std::ptrdiff_t>(waitingBlocks_));
     auto next = made.begin();
     for (RunningBlock* running = firstRunning_; running != nullptr; running = running->next) {
         if (running->operation != nullptr) continue;
@@ -389,7 +400,7 @@ NSOperation& OperationQueueCore::takeFirstReady() noexcept {
     while (lane->first() == nullptr) ++lane;
     NSOperation& operation = *lane->first();
     lane->remove(operation);
-    --readyCount_;
+    changeReadyCount(-1);
     operation.place_ = NSOperation::Place::started;
     operation.isBeingStarted_ = true;
     ++running_;
@@ -417,16 +428,16 @@ void OperationQueueCore::enterReady(NSOperation& operation) {
     operation.readyLane_ = lane(operation.queuePriority());
     lanes_[operation.readyLane_].insert(operation);
     operation.place_ = NSOperation::Place::ready;
-    ++readyCount_;
+    changeReadyCount(1);
 }
 
 bool OperationQueueCore::canStartOne() const noexcept {
-    return readyCount_ > 0 && running_ < (width_ < 0 ? kChosenWidth : static_cast<std::size_t>(width_));
+    return readyCount() > 0 && running_ < (width_ < 0 ? kChosenWidth : static_cast<std::size_t>(width_));
 }
 
 /// Whether the pool is to be asked for a turn, which the caller then does without the lock.
 bool OperationQueueCore::takesTurn() noexcept {
-    if (isTurnDue_ || !canStartOne() || readyCount_ <= lookingOut_) return false;
+    if (isTurnDue_ || !canStartOne() || readyCount() <= lookingOut_) return false;
     isTurnDue_ = true;
     return true;
 }

@@ -105,6 +105,8 @@ private:
     [[nodiscard]] std::shared_ptr<NSOperation> runFirstBlock(std::unique_lock<BriefLock>& lock,
                                                              std::shared_ptr<NSOperation> over);
     [[nodiscard]] std::shared_ptr<NSOperation> afterStart(NSOperation& operation, std::unique_lock<BriefLock>& lock);
+    [[nodiscard]] std::size_t readyCount() const noexcept;
+    void changeReadyCount(std::ptrdiff_t difference) noexcept;
     [[nodiscard]] bool looksOut(std::unique_lock<BriefLock>& lock) noexcept;
     void link(std::shared_ptr<NSOperation> operation) noexcept;
     [[nodiscard]] std::shared_ptr<NSOperation> unlink(NSOperation& operation) noexcept;
@@ -133,8 +135,8 @@ private:
     /// Waiting and running blocks that are no objects, and the place of the last in the order of adding.
     std::size_t hiddenBlocks_ = 0;
     std::uint64_t lastBlockOrder_ = 0;
-    /// Ready operations and waiting blocks.
-    std::size_t readyCount_ = 0;
+    /// Ready operations and waiting blocks. Changed under the lock; a worker that looks out reads it without.
+    std::atomic<std::size_t> readyCount_{0};
     /// Operations started and not finished.
     std::size_t running_ = 0;
     int width_ = -1;
