@@ -67,8 +67,8 @@ TEST(Secrets, AreFoundWhereverTheyAre) {
 
 TEST(Secrets, DigestsLeaveNothingOfTheirText) {
     for (std::uint64_t type = 1; type <= 6; ++type) {
-        // Within one block, wherever the digest has its blocks.
-        for (const std::size_t before : {0U, 8U, 128U, 192U, 5000U}) {
+        // Within one block, whether the algorithm's blocks have 64 bytes or 128.
+        for (const std::size_t before : {0U, 200U, 5000U}) {
             const Secret secret(24);
             static_cast<void>(ZORHash::zor_hash(Text(secret, before), static_cast<ZORHashType>(type)));
             EXPECT_EQ(secret.copies(), 0U) << type << ' ' << before;
