@@ -22,6 +22,12 @@ function(zor_add_tests name)
   endif()
 endfunction()
 
+# zor_uses_fontconfig(<test>): what fontconfig keeps for the process is no leak.
+function(zor_uses_fontconfig test)
+  set_property(TEST ${test} PROPERTY ENVIRONMENT
+    LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/leak-suppressions.txt:print_suppressions=0)
+endfunction()
+
 # zor_add_fuzz_target(<name> SOURCES <file>... [LIBRARIES <library>...])
 #
 # Seeds are the files of corpus/<name>/. As a test, every seed is replayed once; an instrumented build also makes the
