@@ -36,8 +36,11 @@ std::shared_ptr<const TimeZoneRules> readRules(std::u16string_view name) {
     // What ICU makes by name are all zones whose changes can be listed.
     const auto* basic = dynamic_cast<const icu::BasicTimeZone*>(zone.get());
     if (basic == nullptr) return nullptr;
-    return std::make_shared<const TimeZoneRules>(std::u16string(name),
-                                                 std::unique_ptr<const icu::BasicTimeZone>(basic->clone()));
+    std::unique_ptr<const icu::BasicTimeZone> rules(basic->clone());
+    // ICU works out a zone's changes when first asked for one, and threads that ask at that moment see half of them.
+    icu::TimeZoneTransition first;
+    rules->getNextTransition(0, false, first);
+    return std::make_shared<const TimeZoneRules>(std::u16string(name), std::move(rules));
 }
 
 /// Rules by name for the whole process, so that what one thread has looked up serves the others.
