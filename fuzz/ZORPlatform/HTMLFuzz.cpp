@@ -1,12 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Laws of HTML: any markup is read or refused; a text comes back from its own markup; what is not refused for its depth
-// is not deep, however often it is repeated.
+// Laws of HTML: any markup is read or refused; what is not refused for its depth is not deep, however often it is
+// repeated.
 #include <fuzz/support/FuzzText.h>
 
 #include <ZORPlatform/Foundation/HTMLImport.h>
 #include <ZORPlatform/Foundation/HTMLNestingInternal.h>
-#include <ZORPlatform/Foundation/Utf.h>
 
 #include <gumbo.h>
 
@@ -125,28 +124,6 @@ std::string markupOf(const std::uint8_t* data, std::size_t size) {
     return markup;
 }
 
-std::string escaped(std::string_view text) {
-    std::string result;
-    for (const char byte : text) {
-        if (byte == '&') {
-            result += "&amp;";
-        } else if (byte == '<') {
-            result += "&lt;";
-        } else {
-            result += byte;
-        }
-    }
-    return result;
-}
-
-void requireTextComesBack(const std::u16string& text) {
-    // The parser takes these for other characters or for none.
-    if (text.find_first_of(std::u16string_view(u"\r\0", 2)) != std::u16string::npos) return;
-    const auto again = ZORPlatform::plainTextFromHTML("<pre>\n" + escaped(ZORPlatform::utf8(text)) + "</pre>");
-    require(again.has_value());
-    require(*again == (text.ends_with(u'\n') ? text : text + u'\n'));
-}
-
 std::size_t depthByParser(std::string_view markup) {
     // A deep document needs a deep stack to be freed by the parser.
     std::vector<std::unique_ptr<char[]>> memory;
@@ -193,8 +170,7 @@ void requireNotDeep(std::string_view part) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const std::string markup = markupOf(data, size);
-    const auto text = ZORPlatform::plainTextFromHTML(markup);
-    if (text) requireTextComesBack(*text);
+    static_cast<void>(ZORPlatform::plainTextFromHTML(markup));
     requireNotDeep(markup);
     return 0;
 }
