@@ -4,10 +4,9 @@
 #include <ZORPlatform/Foundation/HostEnvironment.h>
 #include <ZORPlatform/Foundation/Utf.h>
 
-#include <fontconfig/fontconfig.h>
+#include <tests/support/PangoFonts.h>
+
 #include <gtest/gtest.h>
-#include <pango/pangofc-fontmap.h>
-#include <pango/pangoft2.h>
 
 #include <cmath>
 #include <limits>
@@ -24,31 +23,13 @@ constexpr std::u16string_view kSentence = u"The quick brown fox jumps over the l
 // What Pango itself says of a text, from a font map of the test's own.
 class Pango {
 public:
-    Pango() : fonts_(pango_ft2_font_map_new()) {
-        pango_ft2_font_map_set_resolution(PANGO_FT2_FONT_MAP(fonts_), 72, 72);
-        const auto unhinted = [](FcPattern* pattern, gpointer) {
-            FcPatternDel(pattern, FC_HINTING);
-            FcPatternAddBool(pattern, FC_HINTING, FcFalse);
-        };
-        pango_fc_font_map_set_default_substitute(PANGO_FC_FONT_MAP(fonts_), unhinted, nullptr, nullptr);
-        context_ = pango_font_map_create_context(fonts_);
-        pango_context_set_round_glyph_positions(context_, FALSE);
-        pango_context_set_language(context_, pango_language_from_string("en"));
-    }
-    ~Pango() {
-        g_object_unref(context_);
-        g_object_unref(fonts_);
-    }
-    Pango(const Pango&) = delete;
-    Pango& operator=(const Pango&) = delete;
-
     struct Layout {
         Size size;
         int lines;
     };
 
     [[nodiscard]] Layout layOut(std::u16string_view text, std::optional<double> width, const Font& font) const {
-        PangoLayout* const layout = pango_layout_new(context_);
+        PangoLayout* const layout = pango_layout_new(fonts_.context());
         const std::string description = utf8(font.family) + " " + std::to_string(font.pointSize) + "px";
         PangoFontDescription* const parsed = pango_font_description_from_string(description.c_str());
         pango_layout_set_font_description(layout, parsed);
@@ -70,8 +51,7 @@ public:
     }
 
 private:
-    PangoFontMap* fonts_;
-    PangoContext* context_;
+    PangoFonts fonts_;
 };
 
 class TextLayout : public testing::Test {
