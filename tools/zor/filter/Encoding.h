@@ -60,6 +60,22 @@ struct ReplacingEscapes {
     static void write(char, Output& out) { out.append(kReplacementCharacter); }
 };
 
+/// The escape of two characters that JSON and TAB-separated values both have for `byte`; empty for most bytes.
+[[nodiscard]] constexpr std::string_view shortEscape(char byte) noexcept {
+    switch (byte) {
+        case '\\':
+            return "\\\\";
+        case '\t':
+            return "\\t";
+        case '\n':
+            return "\\n";
+        case '\r':
+            return "\\r";
+        default:
+            return {};
+    }
+}
+
 inline void appendNumber(std::size_t number, Output& out) {
     std::array<char, 20> digits{};
     std::size_t begin = digits.size();

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <tools/zor/filter/JsonLinesFormat.h>
 
+#include <tools/zor/filter/CellWriter.h>
 #include <tools/zor/filter/Encoding.h>
 #include <tools/zor/filter/JsonText.h>
 
@@ -97,31 +98,16 @@ struct JsonEscapes {
         return byte == '"' || byte == '\\' || static_cast<unsigned char>(byte) < 0x20;
     }
     static void write(char byte, Output& out) {
-        switch (byte) {
-            case '"':
-                out.append("\\\"");
-                break;
-            case '\\':
-                out.append("\\\\");
-                break;
-            case '\t':
-                out.append("\\t");
-                break;
-            case '\n':
-                out.append("\\n");
-                break;
-            case '\r':
-                out.append("\\r");
-                break;
-            default: {
-                const auto value = static_cast<unsigned char>(byte);
-                if (value == 0 || value >= 0x20) {
-                    out.append(kReplacementCharacter);
-                } else {
-                    out.append(value < 0x10 ? "\\u000" : "\\u001");
-                    out.append("0123456789abcdef"[value & 0xF]);
-                }
-            }
+        const auto value = static_cast<unsigned char>(byte);
+        if (byte == '"') {
+            out.append("\\\"");
+        } else if (const std::string_view escape = shortEscape(byte); !escape.empty()) {
+            out.append(escape);
+        } else if (value == 0 || value >= 0x20) {
+            out.append(kReplacementCharacter);
+        } else {
+            out.append(value < 0x10 ? "\\u000" : "\\u001");
+            out.append("0123456789abcdef"[value & 0xF]);
         }
     }
 };
@@ -132,9 +118,9 @@ struct MemberEscapes {
     static void write(char byte, Output& out) { out.append(byte == '\r' ? " " : kReplacementCharacter); }
 };
 
-class JsonLinesWriter : public RecordWriter {
+class JsonLinesWriter : public CellWriter {
 public:
-    JsonLinesWriter(const Layout& layout, const FormatPair& formats) : layout_(layout), formats_(formats) {}
+    JsonLinesWriter(const Layout& layout, const FormatPair& formats) : CellWriter(layout), formats_(formats) {}
 
     void write(const Record& record, const Outcome& outcome, Output& out) override {
         out.append('{');
@@ -150,7 +136,7 @@ public:
             }
             writeResults(outcome, record.members.empty(), out);
         } else {
-            writeString(layout_.key, out);
+            writeText(layout().key, out);
             out.append(':');
             writeValue(record, out);
             writeResults(outcome, /*first=*/false, out);
@@ -164,59 +150,39 @@ public:
 
 private:
     void writeResults(const Outcome& outcome, bool first, Output& out) const {
-        for (const Column* column : layout_.emitted) {
+        for (const Column* column : layout().emitted) {
             if (!first) out.append(',');
             first = false;
-            writeString(column->name, out);
+            writeText(column->name, out);
             out.append(':');
             writeCell(column->cell(outcome), out);
         }
         out.append("}\n");
     }
 
-    void writeCell(const Cell& cell, Output& out) const {
-        switch (cell.type) {
-            case Cell::Type::absent:
-                out.append("null");
-                break;
-            case Cell::Type::verdict:
-                writeVerdict(cell.valid, out);
-                break;
-            case Cell::Type::number:
-                appendNumber(cell.number, out);
-                break;
-            case Cell::Type::text:
-                writeString(cell.text, out);
-                break;
-        }
-    }
-
-    void writeVerdict(bool valid, Output& out) const {
-        if (layout_.labelled) {
-            writeString(valid ? layout_.validLabel : layout_.invalidLabel, out);
-        } else {
-            out.append(valid ? "true" : "false");
-        }
+    void writeVerdict(bool valid, Output& out) const override {
+        if (layout().labelled) return CellWriter::writeVerdict(valid, out);
+        out.append(valid ? "true" : "false");
     }
 
     // The checked value of a record that came in another format.
     void writeValue(const Record& record, Output& out) const {
-        if (record.malformed || layout_.field > record.columns.size()) return out.append("null");
-        const std::size_t index = formats_.in.shape == Format::Shape::table ? layout_.field - 1 : 0;
+        if (record.malformed || layout().field > record.columns.size()) return writeAbsent(out);
+        const std::size_t index = formats_.in.shape == Format::Shape::table ? layout().field - 1 : 0;
         if (const auto text = formats_.reader.columnText(record, index)) {
-            writeString(*text, out);
+            writeText(*text, out);
         } else {
-            out.append("null");
+            writeAbsent(out);
         }
     }
 
-    static void writeString(std::string_view text, Output& out) {
+    void writeText(std::string_view text, Output& out) const override {
         out.append('"');
         appendEscaped(text, out, JsonEscapes{});
         out.append('"');
     }
+    void writeAbsent(Output& out) const override { out.append("null"); }
 
-    const Layout& layout_;
     FormatPair formats_;
 };
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <tools/zor/filter/PlainFormat.h>
 
+#include <tools/zor/filter/CellWriter.h>
 #include <tools/zor/filter/Encoding.h>
 
 namespace zor {
@@ -18,9 +19,9 @@ public:
     std::optional<std::string_view> columnText(const Record& record, std::size_t) override { return record.line; }
 };
 
-class PlainWriter : public RecordWriter {
+class PlainWriter : public CellWriter {
 public:
-    explicit PlainWriter(const Layout& layout) : layout_(layout) {}
+    explicit PlainWriter(const Layout& layout) : CellWriter(layout) {}
 
     void write(const Record&, const Outcome& outcome, Output& out) override { writeResults(outcome, out); }
     void writeSkimmed(const Skim&, const Outcome& outcome, Output& out) override { writeResults(outcome, out); }
@@ -28,37 +29,19 @@ public:
 private:
     void writeResults(const Outcome& outcome, Output& out) const {
         bool first = true;
-        for (const Column* column : layout_.emitted) {
-            if (!first) out.append(layout_.separator);
+        for (const Column* column : layout().emitted) {
+            if (!first) out.append(layout().separator);
             first = false;
             writeCell(column->cell(outcome), out);
         }
         out.append('\n');
     }
 
-    void writeCell(const Cell& cell, Output& out) const {
-        switch (cell.type) {
-            case Cell::Type::absent:
-                out.append("\\N");
-                break;
-            case Cell::Type::verdict:
-                writeText(cell.valid ? layout_.validLabel : layout_.invalidLabel, out);
-                break;
-            case Cell::Type::number:
-                appendNumber(cell.number, out);
-                break;
-            case Cell::Type::text:
-                writeText(cell.text, out);
-                break;
-        }
-    }
-
     // Alone on its line, a text may hold what would otherwise part columns.
-    void writeText(std::string_view text, Output& out) const {
-        appendEscaped(text, out, ReplacingEscapes{layout_.emitted.size() > 1 ? layout_.separator : '\n'});
+    void writeText(std::string_view text, Output& out) const override {
+        appendEscaped(text, out, ReplacingEscapes{layout().emitted.size() > 1 ? layout().separator : '\n'});
     }
-
-    const Layout& layout_;
+    void writeAbsent(Output& out) const override { out.append("\\N"); }
 };
 
 }  // namespace

@@ -134,26 +134,11 @@ struct TsvEscapes {
         return byte == '\\' || byte == '\t' || byte == '\n' || byte == '\r' || byte == '\0';
     }
     static void write(char byte, Output& out) {
-        switch (byte) {
-            case '\\':
-                out.append("\\\\");
-                break;
-            case '\t':
-                out.append("\\t");
-                break;
-            case '\n':
-                out.append("\\n");
-                break;
-            case '\r':
-                out.append("\\r");
-                break;
-            default: {
-                const auto value = static_cast<unsigned char>(byte);
-                out.append("\\x");
-                out.append(kHexDigits[value >> 4]);
-                out.append(kHexDigits[value & 0xF]);
-            }
-        }
+        if (const std::string_view escape = shortEscape(byte); !escape.empty()) return out.append(escape);
+        const auto value = static_cast<unsigned char>(byte);
+        out.append("\\x");
+        out.append(kHexDigits[value >> 4]);
+        out.append(kHexDigits[value & 0xF]);
     }
 };
 

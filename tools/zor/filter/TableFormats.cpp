@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <tools/zor/filter/TableFormats.h>
 
-#include <tools/zor/filter/Encoding.h>
-
 namespace zor {
 
 void TableReader::read(Record& record) {
@@ -40,7 +38,7 @@ void TableWriter::writeInput(const Record& record, Output& out) const {
         return writeAbsent(out);
     }
     for (std::size_t index = 0; index < record.columns.size(); ++index) {
-        if (index > 0) out.append(layout_.separator);
+        if (index > 0) out.append(layout().separator);
         if (const auto text = formats_.reader.columnText(record, index)) {
             writeText(*text, out);
         } else {
@@ -51,30 +49,16 @@ void TableWriter::writeInput(const Record& record, Output& out) const {
 
 void TableWriter::writeSkimmed(const Skim& skim, const Outcome& outcome, Output& out) {
     for (std::size_t index = 0; index < skim.columns; ++index) {
-        if (index > 0) out.append(layout_.separator);
+        if (index > 0) out.append(layout().separator);
         writeAbsent(out);
     }
     writeResults(outcome, out);
 }
 
 void TableWriter::writeResults(const Outcome& outcome, Output& out) const {
-    for (const Column* column : layout_.emitted) {
-        out.append(layout_.separator);
-        const Cell cell = column->cell(outcome);
-        switch (cell.type) {
-            case Cell::Type::absent:
-                writeAbsent(out);
-                break;
-            case Cell::Type::verdict:
-                writeText(cell.valid ? layout_.validLabel : layout_.invalidLabel, out);
-                break;
-            case Cell::Type::number:
-                appendNumber(cell.number, out);
-                break;
-            case Cell::Type::text:
-                writeText(cell.text, out);
-                break;
-        }
+    for (const Column* column : layout().emitted) {
+        out.append(layout().separator);
+        writeCell(column->cell(outcome), out);
     }
     out.append('\n');
 }

@@ -4,7 +4,7 @@
 // Records as columns: TAB-separated with escapes, TAB-separated without, and CSV (RFC 4180). A record goes back out
 // with all its columns, the results behind them.
 
-#include <tools/zor/filter/Format.h>
+#include <tools/zor/filter/CellWriter.h>
 
 namespace zor {
 
@@ -41,9 +41,9 @@ private:
     std::string room_;
 };
 
-class TableWriter : public RecordWriter {
+class TableWriter : public CellWriter {
 public:
-    TableWriter(const Layout& layout, const FormatPair& formats) : layout_(layout), formats_(formats) {}
+    TableWriter(const Layout& layout, const FormatPair& formats) : CellWriter(layout), formats_(formats) {}
 
     void write(const Record& record, const Outcome& outcome, Output& out) final;
     void writeSkimmed(const Skim& skim, const Outcome& outcome, Output& out) final;
@@ -51,17 +51,11 @@ public:
 protected:
     /// Writes a line that came in the same format, its columns unchanged.
     virtual void echo(const Record& record, Output& out) const = 0;
-    /// Writes a text as one column.
-    virtual void writeText(std::string_view text, Output& out) const = 0;
-    virtual void writeAbsent(Output& out) const = 0;
-
-    [[nodiscard]] const Layout& layout() const noexcept { return layout_; }
 
 private:
     void writeInput(const Record& record, Output& out) const;
     void writeResults(const Outcome& outcome, Output& out) const;
 
-    const Layout& layout_;
     FormatPair formats_;
 };
 
