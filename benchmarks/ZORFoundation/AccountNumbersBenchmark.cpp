@@ -1,12 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Account numbers: a million of 70 countries, half of them Belgian and a fifth corrupted, and Belgian ones
-// alone. The floor reads the units once. Peers: a loop that keeps the digits in a register and takes the remainder when
-// they run over, a loop that takes it at each unit, and the rule as a textbook has it, through texts of digits.
-
-#include "SampleNumbers.h"
+// Account numbers: a million of 70 countries, half of them Belgian and a fifth corrupted, and Belgian ones alone. The
+// floor reads the units once. Peers: a loop that keeps the digits in a register and takes the remainder when they run
+// over, a loop that takes it at each unit, and the rule as a textbook has it, through texts of digits.
 
 #include <benchmarks/Comparison.h>
+#include <benchmarks/SampleNumbers.h>
 
 #include <ZORFoundation/ZORAccountNumberFormatter.h>
 #include <ZORFoundation/ZORAccountNumberValidator.h>

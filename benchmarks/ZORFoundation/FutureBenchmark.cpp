@@ -4,7 +4,7 @@
 
 #include <ZORFoundation/Concurrency/Promise.h>
 #include <benchmarks/Comparison.h>
-#include <benchmarks/HandWrittenFuture.h>
+#include <benchmarks/ZORFoundation/HandWrittenFuture.h>
 
 #include <algorithm>
 #include <chrono>
