@@ -10,6 +10,7 @@
 #include <support/FailingSystemCalls.h>
 #include <support/TemporaryDirectory.h>
 
+#include <sched.h>
 #include <sys/mman.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -126,6 +127,7 @@ TEST_F(SettingsCrashTest, FiveHundredKillsAtRandomMomentsLoseNothing) {
     std::mt19937 random(20180305);
     int killedWhileSaving = 0;
     for (int kill = 0; kill < kKills; ++kill) {
+        const std::int64_t begunBefore = progress->begun;
         const pid_t child = ::fork();
         ASSERT_GE(child, 0);
         if (child == 0) {
@@ -135,6 +137,8 @@ TEST_F(SettingsCrashTest, FiveHundredKillsAtRandomMomentsLoseNothing) {
                 progress->done = generation;
             }
         }
+        // However late the child is let run, the moment is one of its saving.
+        while (progress->begun == begunBefore) ::sched_yield();
         const timespec moment{0, static_cast<long>(random() % 4'000'000)};
         ::nanosleep(&moment, nullptr);
         ASSERT_EQ(::kill(child, SIGKILL), 0);

@@ -8,6 +8,7 @@
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <poll.h>
 #include <signal.h>
 #include <spawn.h>
 #include <sqlite3.h>
@@ -17,6 +18,7 @@
 #include <support/TemporaryDirectory.h>
 
 #include <array>
+#include <cerrno>
 #include <chrono>
 #include <cstring>
 #include <random>
@@ -52,6 +54,12 @@ public:
     Writer(const Writer&) = delete;
     Writer& operator=(const Writer&) = delete;
 
+    /// Returns once a number was acknowledged, or none will be.
+    void awaitFirstNumber() const {
+        pollfd acknowledged{output_, POLLIN, 0};
+        while (::poll(&acknowledged, 1, -1) < 0 && errno == EINTR) {
+        }
+    }
     void kill() const { ::kill(process_, SIGKILL); }
     /// @return the exit code, or -1 for a killed process
     [[nodiscard]] int wait() const {
@@ -131,6 +139,8 @@ TEST_F(ItemStoreProcesses, FiveHundredKillsLoseNoAcknowledgedWrite) {
         static_cast<void>(SecItemDelete({{kSecClass, kSecClassKey}}));
         SecItemStore::close();
         const Writer writer({path().string(), "COUNT"});
+        // Every other process is well past its start, however slow the machine.
+        if (kill % 2 == 1) writer.awaitFirstNumber();
         std::this_thread::sleep_for(std::chrono::microseconds(microseconds(random)));
         writer.kill();
         ASSERT_EQ(writer.wait(), -1) << "the writer gave up by itself";
