@@ -94,7 +94,10 @@ ExitCode run(const Arguments& arguments) {
 
 }  // namespace
 
-const Command kBackupExclusionCommand{
-    "exclude-from-backup", "[--list] DIR [PATTERN...]", "marks files that match", kOptions, false, run};
+const Command kBackupExclusionCommand{.name = "exclude-from-backup",
+                                      .synopsis = "DIR [PATTERN...]",
+                                      .help = "marks files that match, lists marked",
+                                      .options = kOptions,
+                                      .run = run};
 
 }  // namespace zor

@@ -84,13 +84,15 @@ ExitCode decode(const std::string& path, Base64Codec codec) {
     return ExitCode::success;
 }
 
+constexpr std::array kActions{
+    Action{"encode", "data as text"},
+    Action{"decode", "text back to data"},
+};
+
 ExitCode run(const Arguments& arguments) {
     const std::vector<std::string>& words = arguments.words;
-    const bool isEncoding = !words.empty() && words[0] == "encode";
-    const bool isDecoding = !words.empty() && words[0] == "decode";
-    if ((!isEncoding && !isDecoding) || words.size() > 2) {
-        throw UsageError("base64: encode [FILE] or decode [FILE] is needed");
-    }
+    const bool isDecoding = words[0] == kActions[1].name;
+    if (words.size() > 2) throw UsageError("base64: there is more than one FILE");
     const Base64Codec chosen = codec(arguments);
     if (arguments.has("--line-length") && (isDecoding || chosen == Base64Codec::ZORBase64)) {
         throw UsageError("--line-length: only for encoding with zoraescrypt");
@@ -107,6 +109,11 @@ ExitCode run(const Arguments& arguments) {
 
 }  // namespace
 
-const Command kBase64Command{"base64", "encode|decode [FILE]", "data as Base64 text and back", kOptions, false, run};
+const Command kBase64Command{.name = "base64",
+                             .synopsis = "ACTION [FILE]",
+                             .help = "data as Base64 text and back",
+                             .actions = kActions,
+                             .options = kOptions,
+                             .run = run};
 
 }  // namespace zor

@@ -89,8 +89,15 @@ ExitCode decrypt(const Arguments& arguments) {
 
 }  // namespace
 
-const Command kEncryptCommand{"encrypt", "--cipher=NAME [FILE]", "data under a key text", kEncryptOptions, false,
-                              encrypt};
-const Command kDecryptCommand{"decrypt", "--cipher=NAME [FILE]", "what encrypt wrote", kDecryptOptions, false, decrypt};
+const Command kEncryptCommand{.name = "encrypt",
+                              .synopsis = "--cipher=NAME [FILE]",
+                              .help = "data under a key text",
+                              .options = kEncryptOptions,
+                              .run = encrypt};
+const Command kDecryptCommand{.name = "decrypt",
+                              .synopsis = "--cipher=NAME [FILE]",
+                              .help = "what encrypt wrote",
+                              .options = kDecryptOptions,
+                              .run = decrypt};
 
 }  // namespace zor

@@ -50,6 +50,20 @@ std::vector<Option> acceptedOptions(const Command& command) {
     return options;
 }
 
+void requireAction(const Command& command, const Arguments& arguments) {
+    const std::span<const Action> actions = command.actions;
+    const auto isChosen = [&](const Action& action) {
+        return !arguments.words.empty() && action.name == arguments.words.front();
+    };
+    if (actions.empty() || std::any_of(actions.begin(), actions.end(), isChosen)) return;
+    std::string message = std::string(command.name).append(": ");
+    for (std::size_t index = 0; index < actions.size(); ++index) {
+        if (index > 0) message.append(index + 1 < actions.size() ? ", " : " or ");
+        message.append(actions[index].name);
+    }
+    throw UsageError(message.append(" is needed"));
+}
+
 ExitCode runWords(std::span<char* const> words) {
     const Command* command = words.size() > 1 ? findCommand(words[1]) : nullptr;
     if (command == nullptr) return runProgramOptions(words.subspan(std::min<std::size_t>(words.size(), 1)));
@@ -61,6 +75,7 @@ ExitCode runWords(std::span<char* const> words) {
         writeAll(STDOUT_FILENO, kind == nullptr ? commandHelp(*command) : kindHelp(*command, *kind));
         return ExitCode::success;
     }
+    requireAction(*command, arguments);
     return command->run(arguments);
 }
 

@@ -5,6 +5,8 @@
 
 #include <tools/zor/Failure.h>
 
+#include <array>
+#include <cstddef>
 #include <optional>
 #include <span>
 #include <string>
@@ -42,14 +44,30 @@ private:
     std::vector<std::pair<std::string_view, std::string>> options_;
 };
 
+/// What a command does, where its first word chooses.
+struct Action {
+    std::string_view name;
+    std::string_view help;
+};
+
+/// The actions that a table of more than names and help has.
+template <typename Row, std::size_t count>
+[[nodiscard]] constexpr std::array<Action, count> actionsOf(const std::array<Row, count>& rows) {
+    std::array<Action, count> actions;
+    for (std::size_t index = 0; index < count; ++index) actions[index] = {rows[index].name, rows[index].help};
+    return actions;
+}
+
 struct Command {
     std::string_view name;
     std::string_view synopsis;  ///< What follows the name on a command line.
     std::string_view help;
-    std::span<const Option> options;
-    bool takesKindOptions;  ///< Options of kinds are options of the command.
-    ExitCode (*run)(const Arguments& arguments);
+    /// Where there are any, `run` is called with one of them as the first word only.
+    std::span<const Action> actions = {};
+    std::span<const Option> options = {};
+    bool takesKindOptions = false;    ///< Options of kinds are options of the command.
     bool takesFilterOptions = false;  ///< Options of the filter are options of the command, beside its own.
+    ExitCode (*run)(const Arguments& arguments);
 };
 
 /// The commands of this program, in the order in which help shows them.

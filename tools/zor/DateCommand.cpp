@@ -250,6 +250,10 @@ constexpr std::array kRecordKinds{
     Kind{"date years", "whole years until today", check, explain, normalize, years, kYearsOptions},
 };
 
+constexpr auto action(const Kind& kind) { return Action{kind.name.substr(sizeof "date"), kind.help}; }
+constexpr std::array kActions{action(kTodayKind), action(kRecordKinds[0]), action(kRecordKinds[1]),
+                              action(kRecordKinds[2])};
+
 /// Midnight UTC of the day that it is in a zone.
 NSDate todayIn(const NSTimeZone& zone) {
     const NSCalendar there(NSLocale(u"en_US_POSIX"), zone);
@@ -279,17 +283,21 @@ ExitCode printToday(const Arguments& arguments) {
 }
 
 ExitCode run(const Arguments& arguments) {
-    const std::string name = "date " + (arguments.words.empty() ? std::string() : arguments.words.front());
+    const std::string name = "date " + arguments.words.front();
     if (name == kTodayKind.name) return printToday(arguments);
     const auto kind =
         std::find_if(kRecordKinds.begin(), kRecordKinds.end(), [&](const Kind& known) { return known.name == name; });
-    if (kind == kRecordKinds.end()) throw UsageError("date: today, format, add or years is needed");
     return answerRecords(*kind, arguments, Answer::format, "formatted", settle);
 }
 
 }  // namespace
 
-const Command kDateCommand{"date", "ACTION [DATE...]", "today, and dates shown, moved, counted", kRows, false, run,
-                           true};
+const Command kDateCommand{.name = "date",
+                           .synopsis = "ACTION [DATE...]",
+                           .help = "today, and dates shown, moved, counted",
+                           .actions = kActions,
+                           .options = kRows,
+                           .takesFilterOptions = true,
+                           .run = run};
 
 }  // namespace zor

@@ -38,7 +38,7 @@ ExitCode run(const Arguments& arguments) {
 
 }  // namespace
 
-const Command kErrorCodeCommand{"error-code", "DOMAIN CODE [DESCRIPTION]", "the short code of an error", {}, false,
-                                run};
+const Command kErrorCodeCommand{
+    .name = "error-code", .synopsis = "DOMAIN CODE [DESCRIPTION]", .help = "the short code of an error", .run = run};
 
 }  // namespace zor

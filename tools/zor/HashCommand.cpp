@@ -19,24 +19,28 @@ using ZORFoundation::ZORHashType;
 
 constexpr std::size_t kPieceBytes = std::size_t{64} * 1024;
 
-constexpr std::array<std::pair<std::string_view, ZORHashType>, 6> kAlgorithms = {{{"md5", ZORHashType::MD5},
-                                                                                  {"sha1", ZORHashType::SHA1},
-                                                                                  {"sha224", ZORHashType::SHA224},
-                                                                                  {"sha256", ZORHashType::SHA256},
-                                                                                  {"sha384", ZORHashType::SHA384},
-                                                                                  {"sha512", ZORHashType::SHA512}}};
+struct Algorithm {
+    std::string_view name;
+    std::string_view help;
+    ZORHashType type;
+};
 
-ZORHashType algorithm(std::string_view name) {
-    const auto found =
-        std::find_if(kAlgorithms.begin(), kAlgorithms.end(), [name](const auto& known) { return known.first == name; });
-    if (found == kAlgorithms.end()) throw UsageError("hash: md5, sha1, sha224, sha256, sha384 or sha512 is needed");
-    return found->second;
-}
+constexpr std::array kAlgorithms{
+    Algorithm{"md5", "128 bits (RFC 1321), only against accidents", ZORHashType::MD5},
+    Algorithm{"sha1", "160 bits (FIPS 180-4), only against accidents", ZORHashType::SHA1},
+    Algorithm{"sha224", "224 bits (FIPS 180-4)", ZORHashType::SHA224},
+    Algorithm{"sha256", "256 bits (FIPS 180-4)", ZORHashType::SHA256},
+    Algorithm{"sha384", "384 bits (FIPS 180-4)", ZORHashType::SHA384},
+    Algorithm{"sha512", "512 bits (FIPS 180-4)", ZORHashType::SHA512},
+};
+constexpr auto kActions = actionsOf(kAlgorithms);
 
 ExitCode run(const Arguments& arguments) {
     const std::vector<std::string>& words = arguments.words;
-    if (words.empty() || words.size() > 2) throw UsageError("hash: ALGORITHM [FILE] is needed");
-    ZORFoundation::DigestStream digest(algorithm(words[0]));
+    if (words.size() > 2) throw UsageError("hash: there is more than one FILE");
+    const auto algorithm = std::find_if(kAlgorithms.begin(), kAlgorithms.end(),
+                                        [&](const Algorithm& known) { return known.name == words[0]; });
+    ZORFoundation::DigestStream digest(algorithm->type);
     ByteInput input(words.size() == 2 ? words[1] : "", kPieceBytes);
     for (auto piece = input.next(); !piece.empty(); piece = input.next()) digest.update(piece);
     writeAll(STDOUT_FILENO, ZORPlatform::utf8(digest.final()) + "\n");
@@ -45,6 +49,10 @@ ExitCode run(const Arguments& arguments) {
 
 }  // namespace
 
-const Command kHashCommand{"hash", "ALGORITHM [FILE]", "the digest of data in hexadecimal", {}, false, run};
+const Command kHashCommand{.name = "hash",
+                           .synopsis = "ALGORITHM [FILE]",
+                           .help = "the digest of data in hexadecimal",
+                           .actions = kActions,
+                           .run = run};
 
 }  // namespace zor

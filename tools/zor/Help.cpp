@@ -86,6 +86,7 @@ std::string programHelp() {
 std::string commandHelp(const Command& command) {
     std::string text = "Usage: zor ";
     text.append(command.name).append(" ").append(command.synopsis).append("\n");
+    for (const Action& action : command.actions) appendRow(text, action.name, kOptionWidth, action.help);
     for (const Option& option : command.options) appendRow(text, spelling(option), kOptionWidth, option.help);
     if (command.takesKindOptions) {
         std::vector<std::string> spellings;

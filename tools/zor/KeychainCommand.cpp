@@ -381,29 +381,48 @@ struct ClosedAtTheEnd {
     ClosedAtTheEnd& operator=(const ClosedAtTheEnd&) = delete;
 };
 
+struct StoreAction {
+    std::string_view name;
+    std::string_view help;
+    bool (*run)(const Arguments& arguments);  ///< False: it found something wrong.
+};
+
+template <auto act>
+bool done(const Arguments& arguments) {
+    act(arguments);
+    return true;
+}
+
+constexpr std::array kStoreActions{
+    StoreAction{"get", "prints the value under KEY", done<get>},
+    StoreAction{"set", "puts standard input under KEY", done<set>},
+    StoreAction{"remove", "removes the value under KEY", done<remove>},
+    StoreAction{"list", "the keys", done<list>},
+    StoreAction{"doctor", "the key source, files and modes; checks every item", doctor},
+};
+constexpr auto kActions = actionsOf(kStoreActions);
+
 ExitCode run(const Arguments& arguments) {
-    const std::string verb = arguments.words.empty() ? "" : arguments.words[0];
-    if (arguments.has("--reference") && verb != "remove") throw UsageError("--reference: only for remove");
+    const auto action = std::find_if(kStoreActions.begin(), kStoreActions.end(),
+                                     [&](const StoreAction& each) { return each.name == arguments.words.front(); });
+    if (arguments.has("--reference") && action->name != "remove") throw UsageError("--reference: only for remove");
     setUp(arguments);
     const ClosedAtTheEnd closing;
     try {
-        if (verb == "doctor") return doctor(arguments) ? ExitCode::success : ExitCode::someInvalid;
-        if (verb != "get" && verb != "set" && verb != "remove" && verb != "list") {
-            throw UsageError("keychain: get, set, remove, list or doctor is needed");
-        }
-        if (verb == "get") get(arguments);
-        if (verb == "set") set(arguments);
-        if (verb == "remove") remove(arguments);
-        if (verb == "list") list(arguments);
+        return action->run(arguments) ? ExitCode::success : ExitCode::someInvalid;
     } catch (const Refusal& refusal) {
         writeAll(STDERR_FILENO, std::string("zor: ").append(refusal.what()).append("\n"));
         return ExitCode::someInvalid;
     }
-    return ExitCode::success;
 }
 
 }  // namespace
 
-const Command kKeychainCommand{"keychain", "VERB [KEY]", "secrets: get set remove list doctor", kOptions, false, run};
+const Command kKeychainCommand{.name = "keychain",
+                               .synopsis = "ACTION [KEY]",
+                               .help = "secrets in the item store",
+                               .actions = kActions,
+                               .options = kOptions,
+                               .run = run};
 
 }  // namespace zor

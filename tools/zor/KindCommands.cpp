@@ -29,10 +29,23 @@ ExitCode explain(const Arguments& arguments) { return run(arguments, Answer::exp
 
 }  // namespace
 
-const Command kCheckCommand{"check", "KIND [VALUE...]", "whether values are valid", filterOptionRows(), true, check};
-const Command kFormatCommand{"format", "KIND [VALUE...]", "values as people read them", filterOptionRows(), true,
-                             format};
-const Command kExplainCommand{"explain", "KIND [VALUE...]", "why values are not valid", filterOptionRows(), true,
-                              explain};
+const Command kCheckCommand{.name = "check",
+                            .synopsis = "KIND [VALUE...]",
+                            .help = "whether values are valid",
+                            .options = filterOptionRows(),
+                            .takesKindOptions = true,
+                            .run = check};
+const Command kFormatCommand{.name = "format",
+                             .synopsis = "KIND [VALUE...]",
+                             .help = "values as people read them",
+                             .options = filterOptionRows(),
+                             .takesKindOptions = true,
+                             .run = format};
+const Command kExplainCommand{.name = "explain",
+                              .synopsis = "KIND [VALUE...]",
+                              .help = "why values are not valid",
+                              .options = filterOptionRows(),
+                              .takesKindOptions = true,
+                              .run = explain};
 
 }  // namespace zor

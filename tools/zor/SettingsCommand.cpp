@@ -222,20 +222,22 @@ void convert(SettingsFile& file, const Arguments& arguments, Path path) {
     write(file, std::move(list));
 }
 
-struct Action {
+struct FileAction {
     std::string_view name;
+    std::string_view help;
     void (*run)(SettingsFile& file, const Arguments& arguments, Path path);
     std::string_view ownOptions;
 };
 
-constexpr std::array kActions{
-    Action{"show", show, "--json"},
-    Action{"get", get, "--json"},
-    Action{"set", set, "--type"},
-    Action{"convert", convert, "--new-key-file --plain"},
+constexpr std::array kFileActions{
+    FileAction{"show", "the whole file, as XML or JSON", show, "--json"},
+    FileAction{"get", "what is under the KEYs, each inside the one before", get, "--json"},
+    FileAction{"set", "puts standard input there", set, "--type"},
+    FileAction{"convert", "writes the file anew, encrypted or plain", convert, "--new-key-file --plain"},
 };
+constexpr auto kActions = actionsOf(kFileActions);
 
-void refuseOptionsOfOthers(const Action& action, const Arguments& arguments) {
+void refuseOptionsOfOthers(const FileAction& action, const Arguments& arguments) {
     for (const std::string_view option : {"--json", "--type", "--new-key-file", "--plain"}) {
         if (arguments.has(option) && action.ownOptions.find(option) == std::string_view::npos) {
             throw UsageError(std::string(option) + ": not for settings " + std::string(action.name));
@@ -245,9 +247,9 @@ void refuseOptionsOfOthers(const Action& action, const Arguments& arguments) {
 
 ExitCode run(const Arguments& arguments) {
     const Path words = arguments.words;
-    const auto action = std::find_if(kActions.begin(), kActions.end(),
-                                     [&](const Action& each) { return words.size() >= 2 && each.name == words[0]; });
-    if (action == kActions.end()) throw UsageError("settings: show, get, set or convert and a FILE are needed");
+    const auto action = std::find_if(kFileActions.begin(), kFileActions.end(),
+                                     [&](const FileAction& each) { return each.name == words.front(); });
+    if (words.size() < 2) throw UsageError(std::string("settings ").append(action->name).append(": a FILE is needed"));
     refuseOptionsOfOthers(*action, arguments);
     const bool hasKey = arguments.has("--key-file");
     if (arguments.has("--legacy") && !hasKey) throw UsageError("--legacy: --key-file is missing");
@@ -268,7 +270,11 @@ ExitCode run(const Arguments& arguments) {
 
 }  // namespace
 
-const Command kSettingsCommand{"settings", "show|get|set|convert FILE [KEY...]", "a settings file", kOptions, false,
-                               run};
+const Command kSettingsCommand{.name = "settings",
+                               .synopsis = "ACTION FILE [KEY...]",
+                               .help = "a settings file shown and changed",
+                               .actions = kActions,
+                               .options = kOptions,
+                               .run = run};
 
 }  // namespace zor

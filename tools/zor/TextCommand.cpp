@@ -43,17 +43,21 @@ constexpr std::array kConversions{
     conversion<StringExtension::removeConsecutiveSpaces>("spaces", "runs of spaces as one"),
 };
 
+constexpr auto kActions = actionsOf(kConversions);
+
 ExitCode run(const Arguments& arguments) {
-    const std::string_view name = arguments.words.empty() ? std::string_view() : arguments.words.front();
-    const auto conversion =
-        std::find_if(kConversions.begin(), kConversions.end(), [name](const Kind& kind) { return kind.name == name; });
-    if (conversion == kConversions.end()) throw UsageError("text: accents, html, escapes, flag or spaces is needed");
+    const auto conversion = std::find_if(kConversions.begin(), kConversions.end(),
+                                         [&](const Kind& kind) { return kind.name == arguments.words.front(); });
     return answerRecords(*conversion, arguments, Answer::format, "formatted");
 }
 
 }  // namespace
 
-const Command kTextCommand{
-    "text", "accents|html|escapes|flag|spaces [TEXT...]", "texts converted", filterOptionRows(), false, run};
+const Command kTextCommand{.name = "text",
+                           .synopsis = "ACTION [TEXT...]",
+                           .help = "texts converted",
+                           .actions = kActions,
+                           .options = filterOptionRows(),
+                           .run = run};
 
 }  // namespace zor

@@ -60,6 +60,7 @@ ExitCode run(const Arguments& arguments) {
 
 }  // namespace
 
-const Command kWatchCommand{"watch", "PATH", "a line for each change", kOptions, false, run};
+const Command kWatchCommand{
+    .name = "watch", .synopsis = "PATH", .help = "a line for each change", .options = kOptions, .run = run};
 
 }  // namespace zor

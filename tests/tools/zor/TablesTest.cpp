@@ -77,10 +77,25 @@ TEST(ZorHelp, NamesCommandsKindsAndOptions) {
     for (const Command* command : commands()) {
         EXPECT_TRUE(hasWord(help, command->name)) << command->name;
         const std::string options = commandHelp(*command);
+        for (const Action& action : command->actions) EXPECT_TRUE(hasWord(options, action.name)) << action.name;
         for (const Option& option : command->options) EXPECT_TRUE(hasWord(options, option.name)) << option.name;
     }
     for (const KindGroup* group : kindGroups()) {
         for (const Kind& kind : group->kinds) EXPECT_TRUE(hasWord(help, kind.name)) << kind.name;
+    }
+}
+
+TEST(ZorAction, IsNamedWhereItIsMissingOrUnknown) {
+    for (const Command* command : commands()) {
+        if (command->actions.empty()) continue;
+        const std::string name(command->name);
+        for (const Words& words : {Words{name}, Words{name, "nonsense"}, Words{name, "nonsense", "FILE"}}) {
+            const RunResult result = runZor(words);
+            EXPECT_EQ(result.exitCode, 2) << name;
+            EXPECT_TRUE(result.out.empty()) << result.out;
+            for (const Action& action : command->actions) EXPECT_TRUE(hasWord(result.err, action.name)) << result.err;
+            EXPECT_TRUE(result.err.ends_with(" is needed\n")) << result.err;
+        }
     }
 }
 
@@ -91,6 +106,15 @@ TEST_P(ZorPage, NamesEveryCommandAndKind) {
     for (const Command* command : commands()) EXPECT_TRUE(hasWord(page, command->name)) << command->name;
     for (const KindGroup* group : kindGroups()) {
         for (const Kind& kind : group->kinds) EXPECT_TRUE(hasWord(page, kind.name)) << kind.name;
+    }
+}
+
+TEST_P(ZorPage, NamesEveryAction) {
+    const std::string page = contentOf(GetParam());
+    for (const Command* command : commands()) {
+        for (const Action& action : command->actions) {
+            EXPECT_TRUE(hasWord(page, action.name)) << command->name << " " << action.name;
+        }
     }
 }
 
