@@ -32,20 +32,20 @@ const unsigned char* unsignedBytes(std::string_view bytes) {
     return reinterpret_cast<const unsigned char*>(bytes.data());
 }
 
-bool authenticate(EVP_CIPHER_CTX* context, std::string_view bytes) {
-    int length = 0;
-    return bytes.size() <= kLongest &&
-           (bytes.empty() ||
-            EVP_CipherUpdate(context, nullptr, &length, unsignedBytes(bytes), static_cast<int>(bytes.size())) == 1);
+// What is authenticated beside the value. The length in front tells where the identity ends and the attributes begin.
+// In one piece: each more that is handed over takes as long as the value does.
+std::string authenticatedBytes(std::string_view identity, std::string_view attributes) {
+    std::string bytes;
+    bytes.reserve(kLengthBytes + identity.size() + attributes.size());
+    appendBigEndian(bytes, identity.size(), kLengthBytes);
+    return bytes.append(identity).append(attributes);
 }
 
-// The length in front tells where the identity ends and the attributes begin.
-bool begin(EVP_CIPHER_CTX* context, const unsigned char* vector, std::string_view identity,
-           std::string_view attributes) {
-    std::string length;
-    appendBigEndian(length, identity.size(), kLengthBytes);
-    return EVP_CipherInit_ex2(context, nullptr, nullptr, vector, -1, nullptr) == 1 && authenticate(context, length) &&
-           authenticate(context, identity) && authenticate(context, attributes);
+bool begin(EVP_CIPHER_CTX* context, const unsigned char* vector, std::string_view authenticated) {
+    int length = 0;
+    return EVP_CipherInit_ex2(context, nullptr, nullptr, vector, -1, nullptr) == 1 &&
+           EVP_CipherUpdate(context, nullptr, &length, unsignedBytes(authenticated),
+                            static_cast<int>(authenticated.size())) == 1;
 }
 
 }  // namespace
@@ -69,7 +69,8 @@ ItemSealing::~ItemSealing() = default;
 
 std::optional<std::string> ItemSealing::seal(std::string_view identity, std::string_view attributes,
                                              std::span<const std::uint8_t> value) {
-    if (value.size() > kLongest || attributes.size() > kLongest || identity.size() > kLongest) return std::nullopt;
+    const std::string authenticated = authenticatedBytes(identity, attributes);
+    if (value.size() > kLongest || authenticated.size() > kLongest) return std::nullopt;
     std::string sealed(kVectorBytes + value.size() + kTagBytes, '\0');
     auto* vector = reinterpret_cast<unsigned char*>(sealed.data());
     arc4random_buf(vector, kVectorBytes);
@@ -77,7 +78,7 @@ std::optional<std::string> ItemSealing::seal(std::string_view identity, std::str
     int length = 0;
     const ErrorQueueMark mark;
     const bool succeeded =
-        begin(sealing_.get(), vector, identity, attributes) &&
+        begin(sealing_.get(), vector, authenticated) &&
         (value.empty() ||
          EVP_CipherUpdate(sealing_.get(), ciphertext, &length, value.data(), static_cast<int>(value.size())) == 1) &&
         EVP_CipherFinal_ex(sealing_.get(), ciphertext + value.size(), &length) == 1 &&
@@ -92,6 +93,8 @@ std::optional<std::string> ItemSealing::seal(std::string_view identity, std::str
 std::optional<std::vector<std::uint8_t>> ItemSealing::open(std::string_view identity, std::string_view attributes,
                                                            std::string_view sealed) {
     if (sealed.size() < kVectorBytes + kTagBytes || sealed.size() > kLongest) return std::nullopt;
+    const std::string authenticated = authenticatedBytes(identity, attributes);
+    if (authenticated.size() > kLongest) return std::nullopt;
     const std::size_t size = sealed.size() - kVectorBytes - kTagBytes;
     const unsigned char* vector = unsignedBytes(sealed);
     // The call takes a pointer to bytes that it does not change.
@@ -101,7 +104,7 @@ std::optional<std::vector<std::uint8_t>> ItemSealing::open(std::string_view iden
     int length = 0;
     const ErrorQueueMark mark;
     unsigned char none = 0;
-    const bool succeeded = begin(opening_.get(), vector, identity, attributes) &&
+    const bool succeeded = begin(opening_.get(), vector, authenticated) &&
                            (size == 0 || EVP_CipherUpdate(opening_.get(), value.data(), &length, vector + kVectorBytes,
                                                           static_cast<int>(size)) == 1) &&
                            EVP_CIPHER_CTX_ctrl(opening_.get(), EVP_CTRL_AEAD_SET_TAG, kTagBytes, tag) == 1 &&
