@@ -24,7 +24,7 @@ constexpr std::size_t kDirtUnits = 512;
 constexpr std::size_t kFewUnits = 16;
 
 // Usual lines, 64 or 76 characters and their break, fit a piece of the text in this number.
-constexpr std::size_t kLinesAtOnce = 26;
+constexpr std::size_t kLinesAtOnce = 52;
 
 // Below 64 a value. Units above ASCII have the last entry.
 constexpr std::uint8_t kSkipped = 64;
@@ -67,18 +67,28 @@ void writePaddedGroup(std::span<const std::uint8_t> bytes, char16_t* units) noex
     units[3] = u'=';
 }
 
-std::u16string shortLine(std::span<const std::uint8_t> bytes, std::size_t units) {
-    std::u16string text = TextAssembly::zeros(units);
-    const std::size_t groups = bytes.size() / 3;
-    functions().encode(bytes.data(), groups, text.data());
-    if (bytes.size() != 3 * groups) writePaddedGroup(bytes.subspan(3 * groups), text.data() + 4 * groups);
-    return text;
+// Lines of whole groups with their breaks. @return the end of what was written
+char16_t* writeLines(const std::uint8_t* bytes, std::size_t lines, std::size_t lineBytes, std::u16string_view lineBreak,
+                     char16_t* to) noexcept {
+    const std::size_t lineUnits = lineBytes / 3 * 4 + lineBreak.size();
+    functions().encodeLines(bytes, lines, lineBytes / 3, to, lineUnits);
+    for (; lines != 0; --lines) to = writeLineBreak(lineBreak, to + lineUnits - lineBreak.size());
+    return to;
 }
 
-std::u16string longLine(std::span<const std::uint8_t> bytes, std::size_t units) {
-    Base64Writer writer(units);
-    writer.append(bytes);
-    return writer.finish();
+// A writer would take as long as the encoding of a short text.
+std::u16string shortLines(std::span<const std::uint8_t> bytes, std::size_t lines, std::size_t lineBytes,
+                          std::u16string_view lineBreak, std::size_t units) {
+    std::u16string text = TextAssembly::zeros(units);
+    char16_t* to = text.data();
+    if (lines != 0) {
+        to = writeLines(bytes.data(), lines, lineBytes, lineBreak, to);
+        bytes = bytes.subspan(lines * lineBytes);
+    }
+    const std::size_t groups = bytes.size() / 3;
+    functions().encode(bytes.data(), groups, to);
+    if (bytes.size() != 3 * groups) writePaddedGroup(bytes.subspan(3 * groups), to + 4 * groups);
+    return text;
 }
 
 // Longer texts are worth the steps of a reader, which never goes over a character twice.
@@ -90,9 +100,14 @@ Base64Stop stopFor(std::uint8_t code) noexcept {
 
 }  // namespace
 
-std::u16string base64Line(std::span<const std::uint8_t> bytes) {
-    const std::size_t units = base64Units(bytes.size());
-    return units <= TextAssembly::kShortUnits ? shortLine(bytes, units) : longLine(bytes, units);
+std::u16string base64Lines(std::span<const std::uint8_t> bytes, std::size_t lines, std::size_t lineBytes,
+                           std::u16string_view lineBreak) {
+    const std::size_t units = base64Units(bytes.size()) + lines * lineBreak.size();
+    if (units <= TextAssembly::kShortUnits) return shortLines(bytes, lines, lineBytes, lineBreak, units);
+    Base64Writer writer(units);
+    writer.appendLines(bytes.data(), lines, lineBytes, lineBreak);
+    writer.append(bytes.subspan(lines * lineBytes));
+    return writer.finish();
 }
 
 std::optional<std::size_t> decodePlainText(std::u16string_view text, std::uint8_t* bytes) noexcept {
@@ -138,11 +153,7 @@ void Base64Writer::appendLines(const std::uint8_t* bytes, std::size_t lines, std
     while (lines != 0) {
         const std::size_t fits = std::min(lines, kLinesAtOnce);
         const std::size_t linesAtOnce = fits * lineUnits <= TextAssembly::kChunkUnits ? fits : 1;
-        char16_t* to = text_.room(linesAtOnce * lineUnits);
-        functions().encodeLines(bytes, linesAtOnce, lineBytes / 3, to, lineUnits);
-        for (std::size_t line = 0; line < linesAtOnce; ++line) {
-            to = writeLineBreak(lineBreak, to + lineUnits - lineBreak.size());
-        }
+        writeLines(bytes, linesAtOnce, lineBytes, lineBreak, text_.room(linesAtOnce * lineUnits));
         bytes += linesAtOnce * lineBytes;
         lines -= linesAtOnce;
     }

@@ -23,8 +23,15 @@ namespace ZORFoundation {
     return bytes / 3 * 4 + (bytes % 3 == 0 ? 0 : 4);
 }
 
+/// Base64 that begins with `lines` lines of `lineBytes` bytes each, a multiple of three, and `lineBreak`, one unit or
+/// two, behind each of them. The rest is one line, however long, padded where it must be.
+[[nodiscard]] std::u16string base64Lines(std::span<const std::uint8_t> bytes, std::size_t lines, std::size_t lineBytes,
+                                         std::u16string_view lineBreak);
+
 /// One line of Base64, however long, padded where it must be.
-[[nodiscard]] std::u16string base64Line(std::span<const std::uint8_t> bytes);
+[[nodiscard]] inline std::u16string base64Line(std::span<const std::uint8_t> bytes) {
+    return base64Lines(bytes, 0, 0, {});
+}
 
 /// Decodes the Base64 text that both codecs read alike and that most texts are: short, whole groups without anything
 /// between them, of which the last may be padded.

@@ -23,12 +23,8 @@ constexpr std::u16string_view kLineBreak = u"\r\n";
 }  // namespace
 
 std::u16string zor_base64EncodedString(std::span<const std::uint8_t> data) {
-    if (data.size() <= kLineBytes) return base64Line(data);
-    const std::size_t lineBreaks = (data.size() - 1) / kLineBytes;
-    Base64Writer writer(base64Units(data.size()) + kLineBreak.size() * lineBreaks);
-    writer.appendLines(data.data(), lineBreaks, kLineBytes, kLineBreak);
-    writer.append(data.subspan(lineBreaks * kLineBytes));
-    return writer.finish();
+    const std::size_t lineBreaks = data.empty() ? 0 : (data.size() - 1) / kLineBytes;
+    return base64Lines(data, lineBreaks, kLineBytes, kLineBreak);
 }
 
 std::vector<std::uint8_t> zor_dataFromBase64String(std::u16string_view string) {

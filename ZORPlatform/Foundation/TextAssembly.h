@@ -21,8 +21,9 @@ namespace ZORPlatform {
 /// Assembles one text. The chunk is wiped at the end: what is encoded may be a secret.
 class TextAssembly {
 public:
-    /// The most units that one piece may have.
-    static constexpr std::size_t kChunkUnits = 2048;
+    /// The most units that one piece may have. Below 8 KB the copies of long texts take longer, above 16 KB the chunk
+    /// leaves too little of the nearest memory.
+    static constexpr std::size_t kChunkUnits = 4096;
 
     /// The most units of a text that is written in place.
     static constexpr std::size_t kShortUnits = 256;
