@@ -170,7 +170,8 @@ OSStatus encodeText(const AttributeRule& rule, const std::u16string& text, ItemA
 OSStatus encodeBytes(const AttributeRule& rule, const SecItemValue::Data& bytes, ItemAttribute& attribute) {
     if (rule.kind != AttributeKind::bytes && rule.kind != AttributeKind::textOrBytes) return errSecParam;
     attribute.form = AttributeForm::bytes;
-    attribute.payload.assign(bytes.begin(), bytes.end());
+    // Not by iterators of another type: the string would make a second one first.
+    attribute.payload.assign(reinterpret_cast<const char*>(bytes.data()), bytes.size());
     return errSecSuccess;
 }
 

@@ -38,7 +38,8 @@ std::string authenticatedBytes(std::string_view identity, std::string_view attri
     std::string bytes;
     bytes.reserve(kLengthBytes + identity.size() + attributes.size());
     appendBigEndian(bytes, identity.size(), kLengthBytes);
-    return bytes.append(identity).append(attributes);
+    bytes.append(identity).append(attributes);
+    return bytes;
 }
 
 bool begin(EVP_CIPHER_CTX* context, const unsigned char* vector, std::string_view authenticated) {
