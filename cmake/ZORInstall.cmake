@@ -18,6 +18,9 @@ install(FILES
   ${CMAKE_CURRENT_BINARY_DIR}/ZORFoundationConfigVersion.cmake
   DESTINATION ${package_directory} COMPONENT Development)
 
+# From where the file lies: the Debian package is put elsewhere than CMAKE_INSTALL_PREFIX says.
+file(RELATIVE_PATH includedir_from_pkgconfig
+  ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig ${CMAKE_INSTALL_FULL_INCLUDEDIR})
 configure_file(cmake/ZORFoundation.pc.in ZORFoundation.pc @ONLY)
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/ZORFoundation.pc
   DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT Development)
