@@ -24,7 +24,8 @@ namespace ZORPlatform {
 /// - <q> puts curly quotes around, a text field or text area gives its value, an image nothing.
 /// - What is not displayed has no text: script, style, head, comments, hidden elements, fallbacks of media.
 ///
-/// @param markup  well-formed UTF-8; U+0000 is read as the HTML standard says
+/// @param markup  well-formed UTF-8; U+0000 is read as the HTML standard says, other control characters than tab, LF,
+///                form feed and CR, and noncharacters, as U+FFFD, unless a numeric reference names them
 /// @return absent when elements are nested more than 512 deep, formatting that is opened again and again included,
 ///         when a tag has more than 512 attributes, when the document would take more than 200 times the memory of its
 ///         markup and a megabyte, or parsing it more processor time than a second and five microseconds a byte

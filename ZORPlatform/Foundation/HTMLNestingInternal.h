@@ -11,9 +11,10 @@ namespace ZORPlatform {
 /// Whether the markup nests elements more than 512 deep, or has a tag with more attributes than that. All tags of the
 /// document's root and of its body count as one.
 ///
-/// A guess from tags alone. It goes through the open elements as the HTML standard does, as far as that decides how
-/// many there are; elements whose end tag may be left out and that end one another do not count. Formatting that is
-/// closed with what it stands in, as in "<p><b></p>", counts: it is opened again in all that comes next.
+/// Told from tags alone, without a document: the open elements are followed as the HTML standard builds its tree, so
+/// that no markup is deeper than it seems. Elements whose end tag may be left out and that end one another do not
+/// count, nor do the parts of a table. Formatting that is closed with what it stands in, as in "<p><b></p>", counts: it
+/// is opened again in all that comes next.
 ///
 /// Pure, in linear time.
 [[nodiscard]] bool isNestedTooDeep(std::string_view markup);

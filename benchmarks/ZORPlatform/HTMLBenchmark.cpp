@@ -59,6 +59,7 @@ const bool registered = [] {
 
     addRefusal("100,000 levels", repeated("<div>", 500'000));
     addRefusal("100,000 levels behind end tags of nothing", repeated("<div></p></x>", 1'300'000));
+    addRefusal("100,000 paragraphs that leave formatting open", repeated("<p><b></p>x", 1'100'000));
     std::string bomb;
     for (int part = 0; bomb.size() < 29'000; ++part) bomb += "<p><b id=" + std::to_string(part) + "></p>";
     addRefusal("29 KB of formatting that is opened again", bomb);

@@ -1,11 +1,20 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Laws of HTML: any markup is read or refused, in time and memory that the markup's size bounds.
+// Laws of HTML: any markup is read or refused, and its text is bounded by its size; a text comes back from its own
+// markup, but for the characters that HTML has not; what is not refused for its depth is not deep, however often it is
+// repeated.
 #include <fuzz/support/FuzzText.h>
 
 #include <ZORPlatform/Foundation/HTMLImport.h>
+#include <ZORPlatform/Foundation/HTMLNestingInternal.h>
+#include <ZORPlatform/Foundation/Utf.h>
+
+#include <gumbo.h>
+#include <unicode/uchar.h>
+#include <unicode/unistr.h>
 
 #include <array>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -119,6 +128,86 @@ std::string markupOf(const std::uint8_t* data, std::size_t size) {
     return markup;
 }
 
+std::string escaped(std::string_view text) {
+    std::string result;
+    for (const char byte : text) {
+        if (byte == '&') {
+            result += "&amp;";
+        } else if (byte == '<') {
+            result += "&lt;";
+        } else {
+            result += byte;
+        }
+    }
+    return result;
+}
+
+// What the parser reads instead of control characters and noncharacters. A reference can bring them into a text.
+std::u16string withoutForbiddenCharacters(std::u16string_view text) {
+    const icu::UnicodeString characters(false, text.data(), static_cast<std::int32_t>(text.size()));
+    icu::UnicodeString result;
+    for (std::int32_t at = 0; at < characters.length(); at = characters.moveIndex32(at, 1)) {
+        const UChar32 character = characters.char32At(at);
+        const bool isSpace = character == u'\t' || character == u'\n' || character == u'\f';
+        const bool isForbidden =
+            (u_charType(character) == U_CONTROL_CHAR && !isSpace) || U_IS_UNICODE_NONCHAR(character);
+        constexpr UChar32 kReplacement = 0xFFFD;
+        result.append(isForbidden ? kReplacement : character);
+    }
+    return {result.getBuffer(), static_cast<std::size_t>(result.length())};
+}
+
+void requireTextComesBack(const std::u16string& text) {
+    // CR is read as a line end, alone or with the LF behind it.
+    if (text.find(u'\r') != std::u16string::npos) return;
+    const auto again = ZORPlatform::plainTextFromHTML("<pre>\n" + escaped(ZORPlatform::utf8(text)) + "</pre>");
+    const std::u16string expected = withoutForbiddenCharacters(text);
+    require(again.has_value());
+    require(*again == (expected.ends_with(u'\n') ? expected : expected + u'\n'));
+}
+
+std::size_t depthByParser(std::string_view markup) {
+    // A deep document needs a deep stack to be freed by the parser.
+    std::vector<std::unique_ptr<char[]>> memory;
+    GumboOptions options = kGumboDefaultOptions;
+    options.userdata = &memory;
+    options.max_errors = 0;
+    options.allocator = [](void* userdata, std::size_t bytes) -> void* {
+        auto& blocks = *static_cast<std::vector<std::unique_ptr<char[]>>*>(userdata);
+        return blocks.emplace_back(new char[bytes]).get();
+    };
+    options.deallocator = [](void*, void*) {};
+    const GumboOutput* output = gumbo_parse_with_options(&options, markup.data(), markup.size());
+    struct Level {
+        const GumboNode* node;
+        std::size_t depth;
+    };
+    std::size_t deepest = 0;
+    std::vector<Level> open{{output->root, 1}};
+    while (!open.empty()) {
+        const auto [node, depth] = open.back();
+        open.pop_back();
+        deepest = std::max(deepest, depth);
+        if (node->type != GUMBO_NODE_ELEMENT && node->type != GUMBO_NODE_TEMPLATE) continue;
+        const GumboVector& children = node->v.element.children;
+        for (unsigned at = 0; at < children.length; ++at) {
+            open.push_back({static_cast<const GumboNode*>(children.data[at]), depth + 1});
+        }
+    }
+    return deepest;
+}
+
+// An element that is counted brings at most three along that are not: a table its body, row and cell.
+void requireNotDeep(std::string_view part) {
+    constexpr int kTimes = 600;
+    constexpr std::size_t kDeepest = 4 * 513 + 8;
+    if (part.size() > 64) return;
+    std::string markup;
+    for (int time = 0; time < kTimes; ++time) markup += part;
+    if (ZORPlatform::isNestedTooDeep(markup) || !ZORPlatform::plainTextFromHTML(markup)) return;
+    require(depthByParser(markup) <= kDeepest);
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
@@ -126,5 +215,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const auto text = ZORPlatform::plainTextFromHTML(markup);
     // Longer text than markup would have come from somewhere else; a line may be given its number and its end.
     require(!text || text->size() <= 16 * (markup.size() + 1));
+    if (text) requireTextComesBack(*text);
+    requireNotDeep(markup);
     return 0;
 }

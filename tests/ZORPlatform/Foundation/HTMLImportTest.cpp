@@ -129,6 +129,12 @@ TEST(HTMLImport, ReferencesAreDecodedAsTheStandardSays) {
     EXPECT_EQ(plainTextFromHTML("&CounterClockwiseContourIntegral;"), Result(u"\u2233"));
 }
 
+TEST(HTMLImport, CharactersThatHTMLHasNotAreReplacedUnlessAReferenceNamesThem) {
+    EXPECT_EQ(plainTextFromHTML("a\x01\x0B\x7F\xC2\x80z"), Result(u"a\uFFFD\uFFFD\uFFFD\uFFFDz"));
+    EXPECT_EQ(plainTextFromHTML("\xEF\xB7\x90\xEF\xBF\xBF\xF0\x9F\xBF\xBE"), Result(u"\uFFFD\uFFFD\uFFFD"));
+    EXPECT_EQ(plainTextFromHTML("&#1;&#x7F;&#xFFFF;"), Result(u"\u0001\u007F\uFFFF"));
+}
+
 TEST(HTMLImport, BrokenMarkupIsRead) {
     EXPECT_EQ(plainTextFromHTML("<b>a<i>b</b>c</i>d"), Result(u"abcd"));
     EXPECT_EQ(plainTextFromHTML("a < b > c"), Result(u"a < b > c"));
@@ -160,6 +166,12 @@ TEST(HTMLImport, ReopenedFormattingThatWouldFillTheMemoryIsRefused) {
     std::string bomb;
     for (int part = 0; part < 2000; ++part) bomb += "<p><b id=" + std::to_string(part) + "></p>";
     EXPECT_EQ(plainTextFromHTML(bomb), std::nullopt);
+}
+
+// Its text opens it again in the body, once a paragraph: 100,000 levels, in which the parser would be lost for seconds.
+TEST(HTMLImport, ReopenedFormattingThatWouldNestIsRefused) {
+    EXPECT_EQ(plainTextFromHTML(repeated("<p><b></p>x", 100000)), std::nullopt);
+    EXPECT_EQ(plainTextFromHTML(repeated("<p><b></p>x", 500))->size(), 3 * 500U - 1);
 }
 
 TEST(HTMLImport, DeepDocumentsNeedLittleStack) {
