@@ -20,13 +20,15 @@ void addOperations(const NSOperationQueue& queue, std::vector<std::shared_ptr<NS
 }
 
 void addOperations(const NSOperationQueue& queue, const std::vector<std::shared_ptr<NSOperation>>& sequentially) {
+    NSOperationQueue::Adding adding(queue);
     const std::shared_ptr<NSOperation>* previous = nullptr;
     for (const std::shared_ptr<NSOperation>& operation : sequentially) {
         if (operation == nullptr) ZORPlatform::preconditionFailure("addOperations: an operation must not be null");
-        if (previous != nullptr) operation->addDependency(*previous);
-        queue.addOperation(operation);
+        if (previous != nullptr) adding.addDependency(*operation, *previous);
+        adding.addOperation(operation);
         previous = &operation;
     }
+    adding.finish();
 }
 
 }  // namespace ZORFoundation::OperationQueueExtension

@@ -172,7 +172,7 @@ private:
     Dependents dependents_;
     std::unique_ptr<DispatchWork> completionBlock_;
 
-    // The queue's. The first is written while joining, the others are guarded by the queue.
+    // The queue's. Two are written while joining, the others are guarded by the queue.
     OperationQueueCore* queue_ = nullptr;
     std::shared_ptr<NSOperation> retained_;
     NSOperation* previous_ = nullptr;
@@ -184,6 +184,8 @@ private:
     std::uint8_t readyLane_ = 0;
     /// Whether a thread of the queue is inside `start`.
     bool isBeingStarted_ = false;
+    /// Whether it was ready when the joining began.
+    bool joinsReady_ = false;
 };
 
 }  // namespace ZORPlatform

@@ -5,18 +5,59 @@
 #include <ZORPlatform/Foundation/OperationQueueCore.h>
 #include <ZORPlatform/Foundation/Precondition.h>
 
+#include <algorithm>
+#include <span>
+#include <system_error>
 #include <utility>
 
 namespace ZORPlatform {
+namespace {
 
-NSOperationQueue::NSOperationQueue() : core_(std::make_shared<OperationQueueCore>()) {}
-
-void NSOperationQueue::addOperation(std::shared_ptr<NSOperation> operation) const {
+void checkAdded(const std::shared_ptr<NSOperation>& operation) {
     if (operation == nullptr) preconditionFailure("NSOperationQueue addOperation: the operation must not be null");
     if (operation->weak_from_this().expired()) {
         preconditionFailure("NSOperationQueue addOperation: the operation must be held by a std::shared_ptr");
     }
+}
+
+}  // namespace
+
+NSOperationQueue::NSOperationQueue() : core_(std::make_shared<OperationQueueCore>()) {}
+
+void NSOperationQueue::addOperation(std::shared_ptr<NSOperation> operation) const {
+    checkAdded(operation);
     core_->add(std::move(operation));
+}
+
+NSOperationQueue::Adding::Adding(const NSOperationQueue& queue) noexcept : core_(queue.core_) {}
+
+NSOperationQueue::Adding::~Adding() {
+    try {
+        finish();
+    } catch (const std::system_error&) {
+        // They have been added, and run as soon as a later submission finds a thread.
+    }
+}
+
+void NSOperationQueue::Adding::addDependency(NSOperation& operation, const std::shared_ptr<NSOperation>& dependency) {
+    if (OperationQueueCore::hasObservers(operation)) finish();
+    operation.addDependency(dependency);
+}
+
+void NSOperationQueue::Adding::addOperation(std::shared_ptr<NSOperation> operation) {
+    checkAdded(operation);
+    core_->beginAdding(*operation);
+    begun_[count_++] = std::move(operation);
+    if (count_ < share_) return;
+    share_ = std::min(2 * share_, kMostAtATime);
+    finish();
+}
+
+void NSOperationQueue::Adding::finish() {
+    const std::span begun(begun_.data(), std::exchange(count_, 0));
+    if (begun.empty()) return;
+    core_->finishAdding(begun);
+    for (std::shared_ptr<NSOperation>& operation : begun) operation.reset();
 }
 
 void NSOperationQueue::addOperationWithBlock(DispatchWork block) const {

@@ -12,6 +12,7 @@
 #include <ZORPlatform/Export.h>
 #include <ZORPlatform/Foundation/NSOperation.h>
 
+#include <array>
 #include <cstddef>
 #include <memory>
 #include <vector>
@@ -38,6 +39,42 @@ public:
     /// "NSInvalidArgumentException" when it executes, has finished, or is or was in a queue already. Stops the process
     /// when `operation` is null or is not held by the shared pointer it was made with.
     void addOperation(std::shared_ptr<NSOperation> operation) const;
+
+    /// Adds many operations at less cost for each: the queue gets the first at once, the others some at a time, the
+    /// last when this object goes. Nobody can tell but by the time: observers of an operation find the queue complete.
+    ///
+    ///     NSOperationQueue::Adding adding(queue);
+    ///     adding.addOperation(login);
+    ///     adding.addDependency(*refresh, login);
+    ///     adding.addOperation(refresh);
+    ///     adding.finish();
+    ///
+    /// Used by one thread.
+    class ZOR_EXPORT Adding {
+    public:
+        explicit Adding(const NSOperationQueue& queue) noexcept;
+        /// Finishes if that has not been done. A failure to start a thread for the operations is not reported then.
+        ~Adding();
+        Adding(const Adding&) = delete;
+        Adding& operator=(const Adding&) = delete;
+
+        /// `addDependency:` of `operation`.
+        void addDependency(NSOperation& operation, const std::shared_ptr<NSOperation>& dependency);
+        /// `addOperation:`, with its exception and its preconditions.
+        void addOperation(std::shared_ptr<NSOperation> operation);
+        /// Gives the queue what it has not got yet.
+        void finish();
+
+    private:
+        // Some microseconds' worth of operations.
+        static constexpr std::size_t kMostAtATime = 32;
+
+        const std::shared_ptr<OperationQueueCore> core_;
+        std::array<std::shared_ptr<NSOperation>, kMostAtATime> begun_;
+        std::size_t count_ = 0;
+        /// Grows from one: the queue is to start the first at once.
+        std::size_t share_ = 1;
+    };
 
     /// `addOperationWithBlock:`: a block operation with this one block. Cheaper than making one, which is put off until
     /// somebody asks for `operations`. An empty block stops the process.

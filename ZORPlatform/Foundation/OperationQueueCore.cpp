@@ -67,35 +67,50 @@ void ReadyOperations::remove(NSOperation& operation) noexcept {
 constinit thread_local OperationQueueCore::Starting OperationQueueCore::starting_{};
 
 void OperationQueueCore::add(std::shared_ptr<NSOperation> operation) {
-    NSOperation& added = *operation;
+    beginAdding(*operation);
+    finishAdding({&operation, 1});
+}
+
+void OperationQueueCore::beginAdding(NSOperation& operation) {
     auto membership = NSOperation::Membership::none;
-    if (added.isExecuting() || added.isFinished() ||
-        !added.membership_.compare_exchange_strong(membership, NSOperation::Membership::joining)) {
+    if (operation.isExecuting() || operation.isFinished() ||
+        !operation.membership_.compare_exchange_strong(membership, NSOperation::Membership::joining)) {
         throw NSException(u"NSInvalidArgumentException",
                           u"NSOperationQueue addOperation: the operation is executing, finished or already in a queue");
     }
-    added.queue_ = this;
-    const bool isReady = added.isReady();
-    // One that is ready may be over, and one that waits may be gone, as soon as the queue has it.
-    const std::shared_ptr<NSOperation> waiting = isReady ? nullptr : operation;
-    std::shared_ptr<NSOperation> finished;
+    operation.queue_ = this;
+    operation.joinsReady_ = operation.isReady();
+}
+
+void OperationQueueCore::finishAdding(std::span<std::shared_ptr<NSOperation>> operations) {
     bool submits = false;
     {
         const std::scoped_lock lock(lock_);
-        link(std::move(operation));
-        membership = NSOperation::Membership::joining;
-        if (!added.membership_.compare_exchange_strong(membership, NSOperation::Membership::joined)) {
-            // It has finished in the meantime and left the rest to be done here.
-            finished = unlink(added);
-            if (count_ == 0 && !isTurnDue_) self_.reset();
-        } else if (isReady) {
-            enterReady(added);
-            submits = takesTurn();
+        bool areSomeReady = false;
+        for (std::shared_ptr<NSOperation>& operation : operations) {
+            NSOperation& added = *operation;
+            const bool isReady = added.joinsReady_;
+            // One that is ready may be over, and one that waits may be gone, as soon as the queue has it.
+            link(isReady ? std::move(operation) : operation);
+            auto membership = NSOperation::Membership::joining;
+            if (!added.membership_.compare_exchange_strong(membership, NSOperation::Membership::joined)) {
+                // It has finished in the meantime and left the rest to be done here.
+                operation = unlink(added);
+                if (count_ == 0 && !isTurnDue_) self_.reset();
+            } else if (isReady) {
+                enterReady(added);
+                areSomeReady = true;
+            }
         }
+        submits = areSomeReady && takesTurn();
     }
     if (submits) DispatchPool::submit(*this);
-    if (waiting != nullptr && waiting->isReady()) makeReady(*waiting);
+    for (const std::shared_ptr<NSOperation>& operation : operations) {
+        if (operation != nullptr && operation->isReady()) makeReady(*operation);
+    }
 }
+
+bool OperationQueueCore::hasObservers(const NSOperation& operation) noexcept { return operation.isObserved(); }
 
 void OperationQueueCore::addBlock(DispatchWork block) {
     std::unique_lock lock(lock_);

@@ -29,6 +29,7 @@
 #include <cstdint>
 #include <memory>
 #include <mutex>
+#include <span>
 #include <vector>
 
 namespace ZORPlatform {
@@ -55,6 +56,13 @@ class OperationQueueCore final : public PoolJob, public std::enable_shared_from_
 public:
     /// Raises the exception of `addOperation`.
     void add(std::shared_ptr<NSOperation> operation);
+    /// The first half of `add`, with its exception: from now on no queue but this takes the operation.
+    void beginAdding(NSOperation& operation);
+    /// The second half, for several under one lock. Takes the handles of those that may be over.
+    void finishAdding(std::span<std::shared_ptr<NSOperation>> operations);
+
+    /// Whether somebody may be told of changes of the operation.
+    [[nodiscard]] static bool hasObservers(const NSOperation& operation) noexcept;
 
     /// Adds an operation of one block, which must not be empty.
     void addBlock(DispatchWork block);

@@ -9,9 +9,14 @@
 #include <gtest/gtest.h>
 #include <support/ManualQueue.h>
 
+#include <algorithm>
+#include <array>
+#include <atomic>
+#include <cstddef>
 #include <memory>
 #include <mutex>
 #include <string>
+#include <thread>
 #include <utility>
 #include <vector>
 
@@ -21,9 +26,12 @@ namespace {
 using OperationQueueExtension::addOperations;
 using support::ManualQueue;
 using testing::ElementsAre;
+using testing::ElementsAreArray;
 using testing::IsEmpty;
 using ZORPlatform::NSBlockOperation;
 using ZORPlatform::NSException;
+using ZORPlatform::NSKeyValueChange;
+using ZORPlatform::NSKeyValueObservingOptions;
 
 /// What happened, in order, from several threads.
 class Log {
@@ -162,6 +170,81 @@ TEST(OperationQueueExtension, RefusesAnOperationThatIsListedTwiceAndKeepsThoseBe
     second->cancel();
     queue.setMaxConcurrentOperationCount(1);
     queue.waitUntilAllOperationsAreFinished();
+}
+
+TEST(OperationQueueExtension, KeepsALongListUpToTheOperationThatItRefuses) {
+    Log log;
+    const NSOperationQueue queue;
+    queue.setMaxConcurrentOperationCount(0);
+    std::vector<std::shared_ptr<NSOperation>> operations;
+    for (int i = 0; i < 100; ++i) operations.push_back(log.operation(std::to_string(i)));
+    operations[70]->start();
+    EXPECT_THROW(addOperations(queue, operations), NSException);
+    EXPECT_THAT(queue.operations(), ElementsAreArray(operations.begin(), operations.begin() + 70));
+    queue.setMaxConcurrentOperationCount(2);
+    queue.waitUntilAllOperationsAreFinished();
+    EXPECT_EQ(log.entries().size(), 2U * 71);
+}
+
+TEST(OperationQueueExtension, TellsObserversOfAnOperationWhenAllBeforeItAreInTheQueue) {
+    Log log;
+    const NSOperationQueue queue;
+    queue.setMaxConcurrentOperationCount(0);
+    std::vector<std::shared_ptr<NSOperation>> operations;
+    std::vector<std::size_t> counts;
+    for (int i = 0; i < 100; ++i) operations.push_back(log.operation(std::to_string(i)));
+    for (const int observed : {1, 50, 99}) {
+        operations[static_cast<std::size_t>(observed)]->addObserver(
+            NSOperation::kReadyKey, NSKeyValueObservingOptions::none,
+            [&](const NSKeyValueChange&) { counts.push_back(queue.operationCount()); });
+    }
+    addOperations(queue, operations);
+    EXPECT_THAT(counts, ElementsAre(1U, 50U, 99U));
+    queue.cancelAllOperations();
+    queue.setMaxConcurrentOperationCount(1);
+    queue.waitUntilAllOperationsAreFinished();
+}
+
+TEST(OperationQueueExtension, KeepsTheSequencesOfSeveralThreadsInOrder) {
+    constexpr std::size_t kOperations = 500;
+    const NSOperationQueue queue;
+    std::array<std::vector<std::size_t>, 4> ran;
+    std::vector<std::thread> threads;
+    for (auto& own : ran) {
+        threads.emplace_back([&queue, &own] {
+            std::vector<std::shared_ptr<NSOperation>> operations;
+            for (std::size_t i = 0; i < kOperations; ++i) {
+                operations.push_back(NSBlockOperation::blockOperationWithBlock([&own, i] { own.push_back(i); }));
+            }
+            addOperations(queue, operations);
+        });
+    }
+    for (std::thread& thread : threads) thread.join();
+    queue.waitUntilAllOperationsAreFinished();
+    for (const auto& own : ran) {
+        EXPECT_EQ(own.size(), kOperations);
+        EXPECT_TRUE(std::is_sorted(own.begin(), own.end()));
+    }
+}
+
+TEST(OperationQueueExtension, RunsEachOperationAtMostOnceWhileTheSequenceIsCancelledInPart) {
+    constexpr std::size_t kOperations = 2000;
+    const NSOperationQueue queue;
+    std::vector<std::atomic<int>> runs(kOperations);
+    std::vector<std::shared_ptr<NSOperation>> operations;
+    for (std::atomic<int>& own : runs)
+        operations.push_back(NSBlockOperation::blockOperationWithBlock([&own] { ++own; }));
+    std::thread canceller([&operations] {
+        for (std::size_t i = 0; i < kOperations; i += 7) operations[i]->cancel();
+    });
+    addOperations(queue, operations);
+    canceller.join();
+    queue.waitUntilAllOperationsAreFinished();
+    for (std::size_t i = 0; i < kOperations; ++i) {
+        EXPECT_TRUE(operations[i]->isFinished());
+        EXPECT_LE(runs[i], 1);
+        EXPECT_TRUE(runs[i] == 1 || operations[i]->isCancelled());
+    }
 }
 
 TEST(OperationQueueExtensionDeathTest, StopsOnANullOperation) {

@@ -11,6 +11,7 @@
 #include <support/NotificationLog.h>
 #include <support/SmallStack.h>
 
+#include <algorithm>
 #include <atomic>
 #include <latch>
 #include <memory>
@@ -509,6 +510,56 @@ TEST(NSOperationQueue, DestroysABlockBeforeItsOperationHasFinished) {
     queue.addOperationWithBlock([held] {});
     queue.waitUntilAllOperationsAreFinished();
     EXPECT_EQ(held.use_count(), 1);
+}
+
+TEST(NSOperationQueue, GetsTheFirstOfManyAtOnceAndAllBeforeTheirAddingEnds) {
+    RunOrder order;
+    const NSOperationQueue queue;
+    queue.setMaxConcurrentOperationCount(0);
+    {
+        NSOperationQueue::Adding adding(queue);
+        adding.addOperation(order.operation(0));
+        EXPECT_EQ(queue.operationCount(), 1U);
+        for (int number = 1; number < 100; ++number) adding.addOperation(order.operation(number));
+        adding.finish();
+        EXPECT_EQ(queue.operationCount(), 100U);
+        for (int number = 100; number < 200; ++number) adding.addOperation(order.operation(number));
+    }
+    EXPECT_EQ(queue.operationCount(), 200U);
+    queue.setMaxConcurrentOperationCount(1);
+    queue.waitUntilAllOperationsAreFinished();
+    const std::vector<int> numbers = order.numbers();
+    EXPECT_EQ(numbers.size(), 200U);
+    EXPECT_TRUE(std::is_sorted(numbers.begin(), numbers.end()));
+}
+
+TEST(NSOperationQueue, TakesAnOperationForItsOwnBeforeItIsToldOfIt) {
+    RunOrder order;
+    const NSOperationQueue queue;
+    queue.setMaxConcurrentOperationCount(0);
+    const auto dependency = order.operation(1);
+    const auto dependent = order.operation(2);
+    const auto finishing = order.operation(3);
+    NSOperationQueue::Adding adding(queue);
+    adding.addOperation(order.operation(0));
+    // Some at a time grow from one to two to four.
+    adding.addOperation(order.operation(0));
+    adding.addOperation(order.operation(0));
+    adding.addDependency(*dependent, dependency);
+    adding.addOperation(dependent);
+    adding.addOperation(finishing);
+    EXPECT_EQ(queue.operationCount(), 3U);
+    expectRefused(queue, dependent);
+    expectRefused(NSOperationQueue(), finishing);
+    EXPECT_THROW(adding.addOperation(dependent), NSException);
+
+    dependency->start();
+    finishing->start();
+    adding.finish();
+    EXPECT_EQ(queue.operationCount(), 4U);
+    queue.setMaxConcurrentOperationCount(1);
+    queue.waitUntilAllOperationsAreFinished();
+    EXPECT_THAT(order.numbers(), ElementsAre(1, 3, 0, 0, 0, 2));
 }
 
 TEST(NSThread, RunsItsWorkOnAnotherThread) {
