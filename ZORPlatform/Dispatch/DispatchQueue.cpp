@@ -16,9 +16,10 @@ namespace {
 // Works run in one turn before jobs of other queues are let in.
 constexpr std::size_t kWorksInTurn = 128;
 
-class SerialQueue final : public DispatchTarget, PoolJob, public std::enable_shared_from_this<SerialQueue> {
+/// A queue that is a job of the pool. Submits itself with the first work; its turns say what becomes of the works.
+class PooledQueue : public DispatchTarget, protected PoolJob, public std::enable_shared_from_this<PooledQueue> {
 public:
-    explicit SerialQueue(std::u16string_view label) : label_(label) {}
+    explicit PooledQueue(std::u16string_view label) : label_(label) {}
 
     void async(DispatchWork work) override {
         {
@@ -31,6 +32,19 @@ public:
     }
 
     [[nodiscard]] std::u16string label() const override { return label_; }
+
+protected:
+    const std::u16string label_;
+    BriefLock lock_;
+    WorkList pending_;  ///< Guarded by the lock.
+    /// Guarded by the lock. Held while a turn is due: by it the queue outlives its handles.
+    std::shared_ptr<PooledQueue> self_;
+};
+
+/// Its turn stays due while it runs, so that one turn follows another.
+class SerialQueue final : public PooledQueue {
+public:
+    using PooledQueue::PooledQueue;
 
 private:
     void runTurn() noexcept override {
@@ -64,7 +78,7 @@ private:
     /// @return false when something has been submitted after all; that is the batch then
     bool endsTurn(WorkList& batch) noexcept {
         // Destroyed after the lock: this may be the last handle.
-        std::shared_ptr<SerialQueue> self;
+        std::shared_ptr<PooledQueue> self;
         const std::scoped_lock lock(lock_);
         if (!pending_.isEmpty()) {
             batch.swap(pending_);
@@ -77,35 +91,19 @@ private:
         return true;
     }
 
-    const std::u16string label_;
-    BriefLock lock_;
-    WorkList pending_;  ///< Guarded by the lock.
-    /// Guarded by the lock. Held while there is work or a turn is due: by it the queue outlives its handles.
-    std::shared_ptr<SerialQueue> self_;
-    // What a turn has left to the next. One turn follows another, so nothing guards it.
+    // What a turn has left to the next. Nothing guards it: no two turns at a time.
     WorkList batch_;
 };
 
-class ConcurrentQueue final : public DispatchTarget, PoolJob, public std::enable_shared_from_this<ConcurrentQueue> {
+/// Its turn is no longer due once it has begun, so that further workers join while there is work.
+class ConcurrentQueue final : public PooledQueue {
 public:
-    explicit ConcurrentQueue(std::u16string_view label) : label_(label) {}
-
-    void async(DispatchWork work) override {
-        {
-            const std::scoped_lock lock(lock_);
-            pending_.append(std::move(work));
-            if (self_ != nullptr) return;
-            self_ = shared_from_this();
-        }
-        DispatchPool::submit(*this);
-    }
-
-    [[nodiscard]] std::u16string label() const override { return label_; }
+    using PooledQueue::PooledQueue;
 
 private:
     void runTurn() noexcept override {
         // Destroyed after the lock: this may be the last handle.
-        std::shared_ptr<ConcurrentQueue> self;
+        std::shared_ptr<PooledQueue> self;
         std::unique_lock lock(lock_);
         self = std::move(self_);
         for (std::size_t share = kWorksInTurn; !pending_.isEmpty(); --share) {
@@ -126,11 +124,6 @@ private:
         lock.unlock();
         if (submits) DispatchPool::submit(*this);
     }
-
-    const std::u16string label_;
-    BriefLock lock_;
-    WorkList pending_;                       ///< Guarded by the lock.
-    std::shared_ptr<ConcurrentQueue> self_;  ///< Guarded by the lock. Held while a turn is due.
 };
 
 }  // namespace
