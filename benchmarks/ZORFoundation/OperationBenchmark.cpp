@@ -13,6 +13,7 @@
 #include <cstddef>
 #include <memory>
 #include <semaphore>
+#include <string>
 #include <thread>
 #include <utility>
 #include <vector>
@@ -24,6 +25,7 @@ using benchmarks::PlainPool;
 using benchmarks::PlainTask;
 using ZORFoundation::ZORAsyncOperation;
 using ZORPlatform::DispatchQueue;
+using ZORPlatform::DispatchWork;
 using ZORPlatform::NSBlockOperation;
 using ZORPlatform::NSOperation;
 using ZORPlatform::NSOperationQueue;
@@ -50,37 +52,32 @@ void runOnPlainPool() {
     isDone.acquire();
 }
 
-const Comparison kTinyBlocks =
-    Comparison("operation queue of width 2, a tiny block")
+/// @param add  adds one block to a queue
+Comparison tinyBlocks(std::string name, void (*add)(const NSOperationQueue& queue, DispatchWork block)) {
+    return Comparison(std::move(name))
         .inElapsedTime()
         .itemsPerCall(kBlocks)
-        .candidate([] {
+        .candidate([add] {
             static const NSOperationQueue queue = queueOfWidth(kWidth);
             std::atomic<std::size_t> runs{0};
             for (std::size_t i = 0; i < kBlocks; ++i) {
-                queue.addOperationWithBlock([&runs] { runs.fetch_add(1, std::memory_order_relaxed); });
+                add(queue, [&runs] { runs.fetch_add(1, std::memory_order_relaxed); });
             }
             queue.waitUntilAllOperationsAreFinished();
         })
         .peer("textbook pool of two threads", runOnPlainPool)
         .expectedNanoseconds(250)
         .add();
+}
 
-const Comparison kTinyBlockOperations = Comparison("operation queue of width 2, a tiny block operation")
-                                            .inElapsedTime()
-                                            .itemsPerCall(kBlocks)
-                                            .candidate([] {
-                                                static const NSOperationQueue queue = queueOfWidth(kWidth);
-                                                std::atomic<std::size_t> runs{0};
-                                                for (std::size_t i = 0; i < kBlocks; ++i) {
-                                                    queue.addOperation(NSBlockOperation::blockOperationWithBlock(
-                                                        [&runs] { runs.fetch_add(1, std::memory_order_relaxed); }));
-                                                }
-                                                queue.waitUntilAllOperationsAreFinished();
-                                            })
-                                            .peer("textbook pool of two threads", runOnPlainPool)
-                                            .expectedNanoseconds(250)
-                                            .add();
+const Comparison kTinyBlocks = tinyBlocks(
+    "operation queue of width 2, a tiny block",
+    [](const NSOperationQueue& queue, DispatchWork block) { queue.addOperationWithBlock(std::move(block)); });
+
+const Comparison kTinyBlockOperations = tinyBlocks(
+    "operation queue of width 2, a tiny block operation", [](const NSOperationQueue& queue, DispatchWork block) {
+        queue.addOperation(NSBlockOperation::blockOperationWithBlock(std::move(block)));
+    });
 
 constexpr std::size_t kSequence = 10'000;
 
