@@ -63,8 +63,7 @@ private:
     bool isShort_;
     std::u16string text_;
     std::size_t used_ = 0;
-    // A vector store that crosses a line of the cache takes twice as long.
-    alignas(64) WipingScratch<char16_t, kChunkUnits> chunk_;
+    WipingScratch<char16_t, kChunkUnits> chunk_;
 };
 
 }  // namespace ZORPlatform

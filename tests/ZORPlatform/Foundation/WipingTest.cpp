@@ -50,6 +50,13 @@ TEST(Wiping, ScratchEndsWipedAsFarAsItWasUsed) {
     EXPECT_EQ(std::count(memory.begin(), memory.end(), 0xA5), 0);
 }
 
+TEST(Wiping, ScratchLiesOnALineOfTheCache) {
+    WipingScratch<char, kSize> bytes;
+    WipingScratch<char16_t, kSize> units;
+    EXPECT_EQ(reinterpret_cast<std::uintptr_t>(bytes.first(1).data()) % 64, 0U);
+    EXPECT_EQ(reinterpret_cast<std::uintptr_t>(units.first(1).data()) % 64, 0U);
+}
+
 TEST(Wiping, MovedBufferLeavesNothingBehind) {
     WipingBuffer first(kSize);
     std::fill_n(first.data(), kSize, std::uint8_t{7});
