@@ -259,9 +259,9 @@ private:
 
     // The list of formatting that the standard calls active. A mark hides what is before it.
     struct Formatting {
-        std::uint64_t name;  // 0 for a mark.
-        std::uint64_t text;
-        std::uint64_t number;  // Of marks, how many there are.
+        std::uint64_t name;    // 0 for a mark.
+        std::uint64_t text;    // Of marks, how many there are.
+        std::uint64_t number;  // They ascend: what is opened again is the end of the list.
         bool isOpen;
     };
 
@@ -291,8 +291,8 @@ private:
         open_.push_back(element);
         if (isCounted(element)) ++counted_;
         if ((element.traits & kMarked) == 0) return;
-        if (formatting_.empty() || formatting_.back().name != 0) formatting_.push_back({0, 0, 0, false});
-        ++formatting_.back().number;
+        if (formatting_.empty() || formatting_.back().name != 0) formatting_.push_back({0, 0, ++lastNumber_, false});
+        ++formatting_.back().text;
     }
 
     void removeAt(std::size_t at) {
@@ -521,10 +521,10 @@ private:
 
     std::vector<Formatting>::iterator findListed(const Element& element) {
         if (element.formatting == 0) return formatting_.end();
-        const auto found = std::find_if(formatting_.rbegin(), formatting_.rend(), [&](const Formatting& other) {
-            return other.name != 0 && other.number == element.formatting;
-        });
-        return found == formatting_.rend() ? formatting_.end() : std::next(found).base();
+        const auto found =
+            std::lower_bound(formatting_.begin(), formatting_.end(), element.formatting,
+                             [](const Formatting& other, std::uint64_t number) { return other.number < number; });
+        return found != formatting_.end() && found->number == element.formatting ? found : formatting_.end();
     }
 
     struct IsListed {
@@ -539,7 +539,7 @@ private:
 
     void forgetToMark() {
         while (!formatting_.empty() && formatting_.back().name != 0) forget(std::prev(formatting_.end()));
-        if (!formatting_.empty() && --formatting_.back().number == 0) formatting_.pop_back();
+        if (!formatting_.empty() && --formatting_.back().text == 0) formatting_.pop_back();
     }
 
     /// The last formatting of that name that no mark hides.

@@ -390,6 +390,9 @@ TEST(NSDateFormatterReading, LongTextsAndMissingPatternsGiveNothing) {
     EXPECT_EQ(NSDateFormatter().dateFromString(u"05/03/2018"), std::nullopt);
     EXPECT_EQ(formatter(u"d").dateFromString(std::u16string(1024, u'0') + u"5"), std::nullopt);
     EXPECT_EQ(formatter(u"n").dateFromString(u"5"), std::nullopt);
+    // A quote that quotes nothing.
+    EXPECT_EQ(formatter(u"'").dateFromString(u""), std::nullopt);
+    EXPECT_EQ(formatter(u"'").stringFromDate(kWinter), u"");
 }
 
 TEST(NSDateFormatterTemplates, FollowTheTableOfLocales) {
