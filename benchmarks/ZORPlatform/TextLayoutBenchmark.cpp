@@ -25,7 +25,7 @@ using ZORFoundation::Font;
 constexpr const char* kPango = "Pango, context kept";
 constexpr const char* kPangoAlone = "a program linked with Pango";
 
-void addHeight(const std::string& name, const std::u16string& text, double width) {
+void addHeight(const std::string& name, const std::u16string& text, double width, double limit) {
     Comparison("heightWithConstrainedWidth, " + name)
         .candidate([=, font = Font{u"DejaVu Sans", 12}] {
             benchmark::DoNotOptimize(ZORFoundation::StringExtension::heightWithConstrainedWidth(text, width, font));
@@ -35,7 +35,7 @@ void addHeight(const std::string& name, const std::u16string& text, double width
                   static const PangoMeasure pango;
                   benchmark::DoNotOptimize(pango.height(bytes, width));
               })
-        .atMost(1.25, kPango)
+        .atMost(limit, kPango)
         .add();
 }
 
@@ -53,9 +53,10 @@ const bool registered = [] {
     const std::u16string line = u"Uw betaling van 12,50 \u20AC aan caf\u00E9 is uitgevoerd";
     std::u16string page;
     while (page.size() < 10'000) page += line + u". ";
-    addHeight("a word", u"Bedrag", 200);
-    addHeight("48 characters in three lines", line, 100);
-    addHeight("10,000 characters", page, 300);
+    // What is done once a call, such as looking for the font, shows beside a single word only.
+    addHeight("a word", u"Bedrag", 200, 1.25);
+    addHeight("48 characters in three lines", line, 100, 1.15);
+    addHeight("10,000 characters", page, 300, 1.15);
 
     Comparison("the first measurement of a process")
         .inChildProcesses()
