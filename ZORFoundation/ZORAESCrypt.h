@@ -42,8 +42,7 @@ namespace ZORFoundation::ZORAESCrypt {
 /// Undoes `zor_AES256EncryptWithKey:` with the same key.
 ///
 /// @return absent for a length that is no multiple of 16 or is 0, and wherever the padding is not what it must be,
-/// which
-///         shows most wrong keys and damage to the last blocks, but not all
+///         which shows most wrong keys and damage to the last blocks, but not all
 [[nodiscard]] ZOR_EXPORT std::optional<std::vector<std::uint8_t>> zor_AES256DecryptWithKey(
     std::span<const std::uint8_t> data, std::u16string_view key);
 

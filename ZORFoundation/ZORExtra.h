@@ -45,8 +45,7 @@ namespace ZORFoundation::ZORExtra {
 /// "Parsing HTML documents"). Lone surrogates become U+FFFD.
 ///
 /// @return the empty text for the empty text; absent when the markup cannot be read: elements nested more than 512
-/// deep,
-///         or markup whose document would take two hundred times its size
+///         deep, or markup whose document would take two hundred times its size
 ///
 /// Pure, in linear time.
 [[nodiscard]] ZOR_EXPORT std::optional<std::u16string> zor_parsedHTML(std::u16string_view text);

@@ -131,10 +131,9 @@ public:
     /// key that is there is replaced, its accessibility stays; when one is given and is another than the stored one,
     /// nothing changes and the result is false.
     ///
-    /// @param value  a boolean; an integer, at most 2^63−1, else the process stops; a float or a double; a text,
-    /// without
-    ///               lone surrogates; bytes; or what an ArchivedValue can be made from. Numbers and archivable values
-    ///               are stored as keyed archives, a text as UTF-8, bytes as they are
+    /// @param value  a boolean; an integer, at most 2^63−1, else the process stops; a float or a double; a text that
+    ///               holds no lone surrogate; bytes; or what an ArchivedValue can be made from. Numbers and archivable
+    ///               values are stored as keyed archives, a text as UTF-8, bytes as they are
     /// @return whether the value is stored, and will survive a loss of power
     template <class Value>
     bool set(const Value& value, std::u16string_view forKey, Accessibility withAccessibility = std::nullopt);

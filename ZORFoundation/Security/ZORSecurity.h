@@ -98,8 +98,7 @@ public:
     /// Undoes `encrypt_AES128_ECB_PKCS7:withKey:error:` with the same key.
     ///
     /// @return absent with status -4303 for a length that is no multiple of 16 or is 0, and with -4304 where the
-    /// padding
-    ///         is not what it must be
+    ///         padding is not what it must be
     [[nodiscard]] static std::optional<std::vector<std::uint8_t>> decrypt_AES128_ECB_PKCS7(
         std::span<const std::uint8_t> data, std::span<const std::uint8_t> withKey,
         std::optional<NSError>* error = nullptr);
@@ -144,14 +143,12 @@ public:
     /// thread.
     ///
     /// @param path  a file of UTF-8 text, the Base64 form (`zor_dataWithBase64EncodedString:`) of a
-    /// SubjectPublicKeyInfo
-    ///              (RFC 5280), without lines of armour
+    ///              SubjectPublicKeyInfo (RFC 5280), without lines of armour
     /// @param usingPeerName  the tag of the item: of its UTF-8 form, as many bytes as the name has UTF-16 units
-    /// @return absent with "Cannot read from PEM file" when the file cannot be read or is not UTF-8, with "Problem
-    /// adding
-    ///         public key to keychain" when the item store does not take it, and with "Error retrieving public key
-    ///         reference from chain" when what it took is no key; absent **without an error** when the text holds
-    ///         something else than the SubjectPublicKeyInfo of an RSA key
+    /// @return absent with "Cannot read from PEM file" when the file cannot be read or is not UTF-8, with
+    ///         "Problem adding public key to keychain" when the item store does not take it, and with
+    ///         "Error retrieving public key reference from chain" when what it took is no key; absent **without an
+    ///         error** when the text holds something else than the SubjectPublicKeyInfo of an RSA key
     [[nodiscard]] static std::optional<SecKey> getPublicKeyFromPEMFileAtPath(const std::filesystem::path& path,
                                                                              std::u16string_view usingPeerName,
                                                                              std::optional<NSError>* error = nullptr);

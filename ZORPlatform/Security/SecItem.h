@@ -148,8 +148,7 @@ inline constexpr std::u16string_view kSecValuePersistentRef = u"v_PersistentRef"
 /// `kSecAttrAccessibleWhenUnlocked`, for certificates `kSecAttrAccessibleAlways`.
 ///
 /// @param attributes  class, attributes, and the value under `kSecValueData` (empty when not given). Return keys ask
-/// for
-///                    a result. Text given for a bytes attribute stands for its UTF-8 bytes
+///                    for a result. Text given for a bytes attribute stands for its UTF-8 bytes
 /// @param result      what the return keys ask for, in the forms of `SecItemCopyMatching`; untouched when there are
 ///                    none, and on failure
 /// @return `errSecSuccess` once the item has reached the disk, else a status of the store (below), and nothing has
