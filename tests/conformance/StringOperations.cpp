@@ -14,7 +14,7 @@ using namespace ZORFoundation;
 
 namespace {
 
-// Elements of a vector are of any kind and are equal when they match. Texts are also hashed, as an application's are.
+// Elements of a vector are of any kind and are equal when they match. Texts alone are hashed, as an application's are.
 Value distinct(const Value::List& list) {
     struct Element {
         const Value* value;
@@ -26,7 +26,7 @@ Value distinct(const Value::List& list) {
         elements.push_back({&value});
         if (value.isText()) texts.emplace_back(value.text());
     }
-    if (!texts.empty()) return ArrayExtension::distinct(texts);
+    if (!texts.empty() && texts.size() == list.size()) return ArrayExtension::distinct(texts);
     Value::List result;
     for (const Element& element : ArrayExtension::distinct(elements)) result.push_back(*element.value);
     return result;
