@@ -84,9 +84,10 @@ std::optional<Bytes> crypt(CCOperation operation, CCOptions options, View data, 
     return out;
 }
 
-Vector vectorOf(View bytes) {
+Vector vectorOf(View bytes, std::string_view operation) {
     if (bytes.size() < kCCBlockSizeAES128) {
-        ZORPlatform::preconditionFailure("AES128_CBC_PKCS7: the initialisation vector has fewer than 16 bytes");
+        ZORPlatform::preconditionFailure(std::string(operation) +
+                                         ": the initialisation vector has fewer than 16 bytes");
     }
     return bytes.first<kCCBlockSizeAES128>();
 }
@@ -225,15 +226,16 @@ std::optional<Bytes> ZORSecurity::encrypt_AES128_CBC_PKCS7(View data, View withK
         initVector = random;
     }
     const View prefix = shouldPrefixResultWithInitVector ? *initVector : View();
-    return crypt(kCCEncrypt, kCbc, data, withKey, vectorOf(*initVector), prefix, error);
+    return crypt(kCCEncrypt, kCbc, data, withKey, vectorOf(*initVector, "encrypt_AES128_CBC_PKCS7"), prefix, error);
 }
 
 std::optional<Bytes> ZORSecurity::decrypt_AES128_CBC_PKCS7(View data, View withKey, std::optional<View> initVector,
                                                            std::optional<NSError>* error) {
     clear(error);
-    if (initVector) return crypt(kCCDecrypt, kCbc, data, withKey, vectorOf(*initVector), {}, error);
+    constexpr std::string_view kName = "decrypt_AES128_CBC_PKCS7";
+    if (initVector) return crypt(kCCDecrypt, kCbc, data, withKey, vectorOf(*initVector, kName), {}, error);
     if (data.size() >= kCCBlockSizeAES128) {
-        return crypt(kCCDecrypt, kCbc, data.subspan(kCCBlockSizeAES128), withKey, vectorOf(data), {}, error);
+        return crypt(kCCDecrypt, kCbc, data.subspan(kCCBlockSizeAES128), withKey, vectorOf(data, kName), {}, error);
     }
     // Deliberate: the cipher goes over the short data all the same, and its error takes the place of this one.
     fail(error, u"The returned data does not match the desired length of 16.");

@@ -120,9 +120,9 @@ TEST(ZORSecurity, OfAGivenVectorSixteenBytesCountAndAllArePrefixed) {
 TEST(ZORSecurityDeathTest, AVectorOfFewerThanSixteenBytesStops) {
     const Bytes vector(15);
     EXPECT_DEATH((void)ZORSecurity::encrypt_AES128_CBC_PKCS7(kPlain, kKey, vector, true),
-                 "^AES128_CBC_PKCS7: the initialisation vector has fewer than 16 bytes");
+                 "^encrypt_AES128_CBC_PKCS7: the initialisation vector has fewer than 16 bytes");
     EXPECT_DEATH((void)ZORSecurity::decrypt_AES128_CBC_PKCS7(Bytes(16), kKey, vector),
-                 "^AES128_CBC_PKCS7: the initialisation vector has fewer than 16 bytes");
+                 "^decrypt_AES128_CBC_PKCS7: the initialisation vector has fewer than 16 bytes");
 }
 
 TEST(ZORSecurity, ShortKeysAreFilledWithZerosAndLongOnesCut) {
