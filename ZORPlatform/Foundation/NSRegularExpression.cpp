@@ -84,7 +84,10 @@ NSRegularExpression::NSRegularExpression(std::shared_ptr<const Pattern> pattern)
 std::optional<NSRegularExpression> NSRegularExpression::regularExpressionWithPattern(std::u16string_view pattern,
                                                                                      std::optional<NSError>* error) {
     if (error != nullptr) error->reset();
-    UErrorCode status = pattern.size() > kMostUnits ? U_REGEX_PATTERN_TOO_BIG : U_ZERO_ERROR;
+    UErrorCode status = U_ZERO_ERROR;
+    // The platform refuses a pattern of nothing, which ICU would take for one that matches everywhere.
+    if (pattern.empty()) status = U_REGEX_RULE_SYNTAX;
+    if (pattern.size() > kMostUnits) status = U_REGEX_PATTERN_TOO_BIG;
     if (U_SUCCESS(status)) {
         std::unique_ptr<const icu::RegexPattern> compiled(
             icu::RegexPattern::compile(readOnlyAlias(pattern), 0, status));

@@ -39,7 +39,7 @@ public:
     ///
     /// @param error  cleared; holds NSCocoaErrorDomain 2048 with the pattern under "NSInvalidValue" when the result is
     ///               absent
-    /// @return absent when `pattern` is no regular expression
+    /// @return absent when `pattern` is no regular expression, as the empty text is none
     [[nodiscard]] static std::optional<NSRegularExpression> regularExpressionWithPattern(
         std::u16string_view pattern, std::optional<NSError>* error = nullptr);
 

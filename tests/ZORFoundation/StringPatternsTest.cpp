@@ -120,6 +120,7 @@ TEST(PatternMatches, NothingFoundIsAnEmptyList) {
 TEST(PatternMatches, APatternThatDoesNotCompileGivesAnEmptyList) {
     EXPECT_EQ(zor_patternMatches(u"abc", u"("), Texts{});
     EXPECT_EQ(zor_patternMatches(u"abc", u"[a-z"), Texts{});
+    EXPECT_EQ(zor_patternMatches(u"abc", u""), Texts{});
 }
 
 TEST(PatternMatches, ASearchThatIsGivenUpGivesAnEmptyList) {

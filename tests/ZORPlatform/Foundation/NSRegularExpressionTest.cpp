@@ -60,7 +60,7 @@ TEST(NSRegularExpression, CaptureGroupsAreCounted) {
 }
 
 TEST(NSRegularExpression, ABadPatternGivesTheInvalidValueError) {
-    for (const std::u16string_view pattern : {u"(", u"a)", u"[a-z", u"*", u"a{3,2}", u"(?<=a*)b"}) {
+    for (const std::u16string_view pattern : {u"(", u"a)", u"[a-z", u"*", u"a{3,2}", u"(?<=a*)b", u""}) {
         std::optional<NSError> error;
         EXPECT_FALSE(NSRegularExpression::regularExpressionWithPattern(pattern, &error));
         EXPECT_EQ(error, NSError(NSCocoaErrorDomain, 2048, {{{u"NSInvalidValue", std::u16string(pattern)}}}));
