@@ -9,6 +9,7 @@
 #include <ZORPlatform/Foundation/GregorianDayInternal.h>
 #include <ZORPlatform/Foundation/IcuTextInternal.h>
 #include <ZORPlatform/Foundation/RecentValuesInternal.h>
+#include <ZORPlatform/Foundation/Text.h>
 #include <ZORPlatform/Foundation/TimeZoneRulesInternal.h>
 
 #include <unicode/dtfmtsym.h>
@@ -558,6 +559,31 @@ bool isFourDigitYear(const icu::Calendar& read, UDate time) {
     return time >= kSurely || read.get(UCAL_EXTENDED_YEAR, status) >= kFirst;
 }
 
+/// Whether a text has the digits of the numbers that it begins with: of several without anything between them, all but
+/// the first have as many as their letters. ICU reads such a number at the very beginning of a text from no digits at
+/// all, so that "" was a date and "052018" had its day for a month, too.
+bool hasDigitsOfAll(const DatePattern& pattern, std::u16string_view text) {
+    const std::vector<DatePattern::Item>& items = pattern.items;
+    const auto end = std::find_if_not(items.begin(), items.end(), isNumber);
+    if (end - items.begin() < 2) return !text.empty();
+    std::size_t needed = 1;
+    for (auto item = std::next(items.begin()); item != end; ++item) needed += item->count;
+    std::size_t digits = 0;
+    for (std::size_t at = 0; at < text.size() && digits < needed;) {
+        const auto [scalar, next] = scalarAt(text, at);
+        const auto character = static_cast<UChar32>(scalar);
+        // White space and marks of direction may stand between them.
+        const bool isPassed = u_isUWhiteSpace(character) || u_hasBinaryProperty(character, UCHAR_PATTERN_WHITE_SPACE);
+        if (u_isdigit(character)) {
+            ++digits;
+        } else if (!isPassed) {
+            break;
+        }
+        at = next;
+    }
+    return digits == needed;
+}
+
 /// Whether the year was written with all the digits that the pattern asks for.
 bool hasWholeYear(const Parts& parts, std::u16string_view text, const icu::Calendar& read, UDate time) {
     const std::vector<DatePattern::Item>& items = parts.pattern->items;
@@ -651,7 +677,9 @@ std::optional<NSDate> NSDateFormatter::dateFromString(std::u16string_view text) 
     }
     UErrorCode status = U_ZERO_ERROR;
     const UDate time = calendar->getTime(status);
-    if (U_FAILURE(status) || !hasWholeYear(parts, text, *calendar, time)) return std::nullopt;
+    if (U_FAILURE(status) || !hasDigitsOfAll(*pattern_, text) || !hasWholeYear(parts, text, *calendar, time)) {
+        return std::nullopt;
+    }
     constexpr double kPerSecond = 1000;
     const double seconds = std::floor(time / kPerSecond);
     return calendarDate({static_cast<std::int64_t>(seconds), (time - seconds * kPerSecond) / kPerSecond});
