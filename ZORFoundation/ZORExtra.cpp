@@ -22,7 +22,9 @@ bool zor_containsSubstring(std::u16string_view text, std::u16string_view substri
 std::optional<std::u16string> zor_parsedHTML(std::u16string_view text) {
     std::u16string markup(text);
     ZORPlatform::replaceOccurrences(markup, u"\n", u" <br>");
-    return ZORPlatform::plainTextFromHTML(ZORPlatform::utf8(markup));
+    const std::optional<std::string> bytes = ZORPlatform::utf8IfWellFormed(markup);
+    if (!bytes) return std::nullopt;
+    return ZORPlatform::plainTextFromHTML(*bytes);
 }
 
 std::u16string removeAccents(std::u16string_view text) { return ZORPlatform::lossyAscii(text); }

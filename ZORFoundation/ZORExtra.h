@@ -42,10 +42,10 @@ namespace ZORFoundation::ZORExtra {
 /// White space collapses; script, style, head and comments give nothing; named and numeric references are decoded. A
 /// block begins and ends a line, <br> is a line feed, and directly inside a paragraph, heading or list item it is
 /// U+2028. A list item begins with a tab, its mark and a tab. Broken markup is read as the HTML standard says (WHATWG,
-/// "Parsing HTML documents"). Lone surrogates become U+FFFD.
+/// "Parsing HTML documents").
 ///
-/// @return the empty text for the empty text; absent when the markup cannot be read: elements nested more than 512
-///         deep, or markup whose document would take two hundred times its size
+/// @return the empty text for the empty text; absent when the markup cannot be read: a lone surrogate, which has no
+///         UTF-8, elements nested more than 512 deep, or markup whose document would take two hundred times its size
 ///
 /// Pure, in linear time.
 [[nodiscard]] ZOR_EXPORT std::optional<std::u16string> zor_parsedHTML(std::u16string_view text);

@@ -2,6 +2,7 @@
 #include <ZORPlatform/Foundation/HTMLImport.h>
 
 #include <ZORPlatform/Foundation/HTMLNestingInternal.h>
+#include <ZORPlatform/Foundation/HTMLStandInsInternal.h>
 #include <ZORPlatform/Foundation/NSString.h>
 #include <ZORPlatform/Foundation/Text.h>
 #include <ZORPlatform/Foundation/Utf.h>
@@ -360,6 +361,8 @@ private:
 // Goes through a document without recursion: its depth is the markup's to choose.
 class Reader {
 public:
+    explicit Reader(const HTMLStandIns& standIns) : standIns_(standIns) {}
+
     [[nodiscard]] std::u16string read(const GumboNode& document) && {
         open_.push_back({.node = &document});
         while (!open_.empty()) {
@@ -422,7 +425,7 @@ private:
     }
 
     void enterText(std::string_view utf8) {
-        const std::u16string text = utf16(utf8);
+        const std::u16string text = standIns_.text(utf8);
         if (open_.back().keepsWhiteSpace) {
             text_.append(text);
         } else {
@@ -439,7 +442,7 @@ private:
             return;
         }
         if (element.tag == GUMBO_TAG_INPUT) {
-            if (isTextField(element)) text_.append(utf16(attribute(element, "value")));
+            if (isTextField(element)) text_.append(standIns_.text(attribute(element, "value")));
             return;
         }
         if (display != Display::isInline) text_.endLine(u'\n');
@@ -516,6 +519,7 @@ private:
         return prefix;
     }
 
+    const HTMLStandIns& standIns_;
     PlainText text_;
     std::vector<OpenNode> open_;
     std::vector<OpenList> lists_;
@@ -523,14 +527,30 @@ private:
     std::size_t quotes_ = 0;
 };
 
+// The parser puts text that a form ends with behind the form, unless anything stands between it and the end tag: a
+// comment does. Empty without such forms.
+std::string withPartedForms(std::string_view markup, std::span<const std::size_t> formEnds) {
+    std::string parted;
+    if (formEnds.empty()) return parted;
+    std::size_t copied = 0;
+    for (const std::size_t end : formEnds) {
+        parted.append(markup, copied, end - copied).append("<!---->");
+        copied = end;
+    }
+    return parted.append(markup, copied);
+}
+
 }  // namespace
 
 std::optional<std::u16string> plainTextFromHTML(std::string_view markup) {
-    if (isNestedTooDeep(markup)) return std::nullopt;
-    ParserArena arena(markup.size());
-    const GumboNode* document = parse(markup, arena);
+    std::vector<std::size_t> formEnds;
+    if (isNestedTooDeep(markup, &formEnds)) return std::nullopt;
+    const std::string parted = withPartedForms(markup, formEnds);
+    const HTMLStandIns standIns(parted.empty() ? markup : parted);
+    ParserArena arena(standIns.markup().size());
+    const GumboNode* document = parse(standIns.markup(), arena);
     if (document == nullptr) return std::nullopt;
-    return Reader().read(*document);
+    return Reader(standIns).read(*document);
 }
 
 }  // namespace ZORPlatform

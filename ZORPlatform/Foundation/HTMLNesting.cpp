@@ -801,7 +801,7 @@ private:
 
 }  // namespace
 
-bool isNestedTooDeep(std::string_view markup) {
+bool isNestedTooDeep(std::string_view markup, std::vector<std::size_t>* formEnds) {
     OpenElements open;
     Tags tags(markup);
     std::size_t rootAttributes = 0;
@@ -815,6 +815,10 @@ bool isNestedTooDeep(std::string_view markup) {
         if (std::max(tag.attributes, rootAttributes) > kMostAttributes) return true;
         if (name == kFrameset && !std::exchange(hasFramesets, true) && tags.count(kFrameset) > kDeepest) return true;
         if (tag.isEnd) {
+            if (name == kForm && tag.isBehindText && formEnds != nullptr) {
+                constexpr std::size_t kBeforeName = 2;
+                formEnds->push_back(static_cast<std::size_t>(tag.text.data() - markup.data()) - kBeforeName);
+            }
             open.end(name, traits);
             continue;
         }

@@ -4,7 +4,9 @@
 // A look at markup before it is parsed. The parser's time grows with the square of the depth of its document and of the
 // number of a tag's attributes, so that half a megabyte of tags would keep it busy for ten seconds.
 
+#include <cstddef>
 #include <string_view>
+#include <vector>
 
 namespace ZORPlatform {
 
@@ -16,7 +18,10 @@ namespace ZORPlatform {
 /// count, nor do the parts of a table. Formatting that is closed with what it stands in, as in "<p><b></p>", counts: it
 /// is opened again in all that comes next.
 ///
-/// Pure, in linear time.
-[[nodiscard]] bool isNestedTooDeep(std::string_view markup);
+/// @param formEnds  takes the positions of those end tags of forms that stand behind text, in order, as far as the look
+///                  goes
+///
+/// In linear time.
+[[nodiscard]] bool isNestedTooDeep(std::string_view markup, std::vector<std::size_t>* formEnds = nullptr);
 
 }  // namespace ZORPlatform

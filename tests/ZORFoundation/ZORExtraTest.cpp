@@ -42,7 +42,8 @@ TEST(ZORExtra, ALineFeedInTheReceiverIsASpaceAndABreak) {
 
 TEST(ZORExtra, ParsedHTMLIsPlainText) {
     EXPECT_EQ(zor_parsedHTML(u"&amp;"), Result(u"&"));
-    EXPECT_EQ(zor_parsedHTML(u"<b>\u00E9\U0001F600</b>\xD83D"), Result(u"\u00E9\U0001F600\uFFFD"));
+    EXPECT_EQ(zor_parsedHTML(u"<b>\u00E9\U0001F600</b>"), Result(u"\u00E9\U0001F600"));
+    EXPECT_EQ(zor_parsedHTML(u"<b>\u00E9</b>\xD83D"), Result());
     EXPECT_EQ(zor_parsedHTML(u""), Result(u""));
 }
 

@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <ZORPlatform/Foundation/HTMLImport.h>
 
+#include <ZORPlatform/Foundation/Text.h>
+#include <ZORPlatform/Foundation/Utf.h>
+
 #include <gtest/gtest.h>
 #include <support/SmallStack.h>
 
@@ -129,10 +132,31 @@ TEST(HTMLImport, ReferencesAreDecodedAsTheStandardSays) {
     EXPECT_EQ(plainTextFromHTML("&CounterClockwiseContourIntegral;"), Result(u"\u2233"));
 }
 
-TEST(HTMLImport, CharactersThatHTMLHasNotAreReplacedUnlessAReferenceNamesThem) {
-    EXPECT_EQ(plainTextFromHTML("a\x01\x0B\x7F\xC2\x80z"), Result(u"a\uFFFD\uFFFD\uFFFD\uFFFDz"));
-    EXPECT_EQ(plainTextFromHTML("\xEF\xB7\x90\xEF\xBF\xBF\xF0\x9F\xBF\xBE"), Result(u"\uFFFD\uFFFD\uFFFD"));
+TEST(HTMLImport, ControlCharactersAndNoncharactersStay) {
+    EXPECT_EQ(plainTextFromHTML("a\x01\x08\x0B\x0E\x1F\x7F\xC2\x80\xC2\x9Fz"),
+              Result(u"a\u0001\u0008\u000B\u000E\u001F\u007F\u0080\u009Fz"));
+    EXPECT_EQ(plainTextFromHTML("\xEF\xB7\x90\xEF\xB7\xAF\xEF\xBF\xBE\xEF\xBF\xBF"),
+              Result(u"\uFDD0\uFDEF\uFFFE\uFFFF"));
+    EXPECT_EQ(plainTextFromHTML("\xF0\x9F\xBF\xBE\xF4\x8F\xBF\xBF"), Result(u"\U0001FFFE\U0010FFFF"));
     EXPECT_EQ(plainTextFromHTML("&#1;&#x7F;&#xFFFF;"), Result(u"\u0001\u007F\uFFFF"));
+    EXPECT_EQ(plainTextFromHTML("<input value='a\x01'>\x02"), Result(u"a\u0001\u0002"));
+    EXPECT_EQ(plainTextFromHTML("<pre>\x0B \x0B</pre>"), Result(u"\u000B \u000B\n"));
+}
+
+TEST(HTMLImport, ControlCharactersStayBesideCharactersOfPrivateUse) {
+    std::u16string text = u"\u0001";
+    for (char32_t block = 0x100000; block < 0x10FE00; block += 0x100) appendScalar(text, block + 1);
+    EXPECT_EQ(plainTextFromHTML(utf8(text)), text);
+}
+
+TEST(HTMLImport, TextAtTheEndOfAFormStaysInIt) {
+    EXPECT_EQ(plainTextFromHTML("<form>a</form>b"), Result(u"a\nb"));
+    EXPECT_EQ(plainTextFromHTML("<form>a&amp;</FORM >b"), Result(u"a&\nb"));
+    EXPECT_EQ(plainTextFromHTML("<form><input value=v>a</form>"), Result(u"va\n"));
+    EXPECT_EQ(plainTextFromHTML("<form><p>a</form>b</p>c"), Result(u"a\nb\n\nc"));
+    EXPECT_EQ(plainTextFromHTML("<form>a<form>b</form>c</form>d"), Result(u"ab\ncd"));
+    EXPECT_EQ(plainTextFromHTML("<form><textarea>a</form></textarea>b</form>c"), Result(u"a</form>b\nc"));
+    EXPECT_EQ(plainTextFromHTML("a</form>b"), Result(u"ab"));
 }
 
 TEST(HTMLImport, BrokenMarkupIsRead) {
