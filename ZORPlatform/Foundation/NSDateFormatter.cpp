@@ -62,6 +62,9 @@ bool isPlainField(char16_t symbol, std::uint32_t count) {
     constexpr std::u16string_view kNumbers = u"ydHmsS";
     constexpr std::u16string_view kNames = u"MLE";
     constexpr std::uint32_t kMaximumOffsetForm = 5;
+    // ICU fills a number up to ten digits, however many letters there are.
+    constexpr std::uint32_t kMaximumDigits = 10;
+    if (count > kMaximumDigits) return false;
     return kNumbers.find(symbol) != kNumbers.npos || kNames.find(symbol) != kNames.npos ||
            (symbol == u'Z' && count <= kMaximumOffsetForm);
 }
