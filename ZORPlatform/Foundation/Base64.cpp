@@ -1,18 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <ZORPlatform/Foundation/Base64.h>
 
-#if defined(__x86_64__)
-#if defined(__GNUC__) && !defined(__clang__)
-// g++ 12 initialises its "undefined" vectors with themselves and then warns of it.
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wmaybe-uninitialized"
-#pragma GCC diagnostic ignored "-Wuninitialized"
-#include <immintrin.h>
-#pragma GCC diagnostic pop
-#else
-#include <immintrin.h>
-#endif
-#endif
+#include <ZORPlatform/Foundation/VectorInstructionsInternal.h>
 
 #include <bit>
 #include <type_traits>
