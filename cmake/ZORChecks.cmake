@@ -16,7 +16,9 @@ function(zor_add_tests name)
   target_link_libraries(${name} PRIVATE
     ZORFoundationObjects ZORPlatformObjects ZORTestSupport GTest::gmock GTest::gtest_main ${arg_LIBRARIES})
   add_test(NAME ${name} COMMAND ${name})
-  set_tests_properties(${name} PROPERTIES LABELS "${arg_LABELS}")
+  # What has the most sources is begun first, so that no long one runs on alone at the end.
+  list(LENGTH arg_SOURCES cost)
+  set_tests_properties(${name} PROPERTIES LABELS "${arg_LABELS}" COST ${cost})
   if("threads" IN_LIST arg_LABELS)
     add_dependencies(threaded-tests ${name})
   endif()
