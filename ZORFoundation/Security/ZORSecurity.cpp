@@ -232,10 +232,12 @@ std::optional<Bytes> ZORSecurity::encrypt_AES128_CBC_PKCS7(View data, View withK
 std::optional<Bytes> ZORSecurity::decrypt_AES128_CBC_PKCS7(View data, View withKey, std::optional<View> initVector,
                                                            std::optional<NSError>* error) {
     clear(error);
-    constexpr std::string_view kName = "decrypt_AES128_CBC_PKCS7";
-    if (initVector) return crypt(kCCDecrypt, kCbc, data, withKey, vectorOf(*initVector, kName), {}, error);
+    if (initVector) {
+        return crypt(kCCDecrypt, kCbc, data, withKey, vectorOf(*initVector, "decrypt_AES128_CBC_PKCS7"), {}, error);
+    }
     if (data.size() >= kCCBlockSizeAES128) {
-        return crypt(kCCDecrypt, kCbc, data.subspan(kCCBlockSizeAES128), withKey, vectorOf(data, kName), {}, error);
+        return crypt(kCCDecrypt, kCbc, data.subspan(kCCBlockSizeAES128), withKey, data.first<kCCBlockSizeAES128>(), {},
+                     error);
     }
     // Deliberate: the cipher goes over the short data all the same, and its error takes the place of this one.
     fail(error, u"The returned data does not match the desired length of 16.");
