@@ -11,8 +11,8 @@
 
 namespace ZORPlatform {
 
-/// Mutual exclusion for critical sections so short that whoever finds one taken does best to look again at once. After
-/// a while it sleeps all the same: the thread inside may have lost its processor. Not recursive.
+/// Mutual exclusion for critical sections so short that whoever finds one taken does best to look again in a moment.
+/// After a while it sleeps all the same: the thread inside may have lost its processor. Not recursive.
 class ZOR_EXPORT BriefLock {
 public:
     constexpr BriefLock() noexcept = default;
