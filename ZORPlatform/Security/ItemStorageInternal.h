@@ -37,6 +37,8 @@ public:
     [[nodiscard]] virtual OSStatus visit(std::string_view prefix, const Visitor& visitor) = 0;
     /// Visits the row of that number, if there is one.
     [[nodiscard]] virtual OSStatus visitRow(std::int64_t number, const Visitor& visitor) = 0;
+    /// Whether there is a row of that identity.
+    [[nodiscard]] virtual OSStatus contains(std::string_view identity, bool& isThere) = 0;
 
     /// Adds a row. @return `errSecDuplicateItem` when there is one with that identity
     [[nodiscard]] virtual OSStatus insert(std::string_view identity, std::string_view attributes,

@@ -416,11 +416,16 @@ OSStatus ItemStore::add(const SecItemDictionary& attributes, SecItemResult* resu
     if (status != errSecSuccess) return status;
     complete(*item.itemClass, item.attributes);
     const std::string identity = identityOf(*item.itemClass, item.attributes);
-    const std::string encodedAttributes = item.attributes.encoded();
     const Data none;
     const Data& value = item.value != nullptr ? *item.value : none;
     // A value that is no key is found out before it is stored, not behind it.
     if (item.wanted.reference && !referenceOfItem(item.itemClass->name, value)) return errSecDecode;
+    // Adding is the first step of replacing: an item that is there costs neither a sealing nor a change begun in vain.
+    bool isDuplicate = false;
+    status = storage_->contains(identity, isDuplicate);
+    if (status == errSecSuccess && isDuplicate) status = errSecDuplicateItem;
+    if (status != errSecSuccess) return status;
+    const std::string encodedAttributes = item.attributes.encoded();
     const auto sealed = sealing_.seal(identity, encodedAttributes, value);
     if (!sealed) return errSecParam;
     std::int64_t number = 0;

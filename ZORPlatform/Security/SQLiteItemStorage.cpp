@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <array>
+#include <atomic>
 #include <string>
 #include <thread>
 #include <utility>
@@ -30,6 +31,12 @@ constexpr const char* kSettings =
     "PRAGMA trusted_schema=OFF;"
     "PRAGMA temp_store=MEMORY;"
     "PRAGMA journal_size_limit=4325376;";
+
+// The index of the log, in memory that the connections share, begins with two copies of its header. A commit changes
+// both, whichever process makes it; SQLite itself tells by the same bytes whether the pages that it remembers are still
+// right. https://www.sqlite.org/walformat.html
+constexpr std::uint32_t kLogIndexVersion = 3007000;
+constexpr int kLogIndexRegionBytes = 32768;
 
 struct Table {
     const char* name;
@@ -135,6 +142,7 @@ OSStatus SQLiteItemStorage::open(const fs::path& path, std::unique_ptr<SQLiteIte
     if (status == errSecSuccess) status = opened->migrate(steps);
     if (status == errSecSuccess) status = opened->checkSchema();
     if (status == errSecSuccess) status = opened->prepare();
+    if (status == errSecSuccess) opened->findLogIndex();
     if (status == errSecSuccess) storage = std::move(opened);
     return status;
 }
@@ -230,10 +238,11 @@ OSStatus SQLiteItemStorage::checkSchema() {
 }
 
 OSStatus SQLiteItemStorage::prepare() {
-    const std::array<std::pair<Statement*, const char*>, 10> statements{{
+    const std::array<std::pair<Statement*, const char*>, 11> statements{{
         {&visitAll_, "SELECT row, identity, attributes, value FROM items"},
         {&visit_, "SELECT row, identity, attributes, value FROM items WHERE identity>=?1 AND identity<?2"},
         {&visitRow_, "SELECT row, identity, attributes, value FROM items WHERE row=?1"},
+        {&contains_, "SELECT 1 FROM items WHERE identity=?1"},
         {&insert_, "INSERT INTO items(identity, attributes, value) VALUES(?1, ?2, ?3)"},
         {&replace_, "UPDATE items SET attributes=?1, value=?2 WHERE row=?3"},
         {&replaceWithIdentity_, "UPDATE items SET attributes=?1, value=?2, identity=?4 WHERE row=?3"},
@@ -250,6 +259,21 @@ OSStatus SQLiteItemStorage::prepare() {
         if (result != SQLITE_OK) return statusOf(result);
     }
     return errSecSuccess;
+}
+
+// Mapped already, for the schema has been read, and it stays where it is for as long as the connection does.
+void SQLiteItemStorage::findLogIndex() {
+    sqlite3_file* file = nullptr;
+    if (sqlite3_file_control(connection_.get(), "main", SQLITE_FCNTL_FILE_POINTER, static_cast<void*>(&file)) !=
+            SQLITE_OK ||
+        file->pMethods == nullptr || file->pMethods->iVersion < 2) {
+        return;
+    }
+    volatile void* region = nullptr;
+    if (file->pMethods->xShmMap(file, 0, kLogIndexRegionBytes, /*extend=*/0, &region) != SQLITE_OK) return;
+    // What makes the accesses volatile here is that they are atomic.
+    logIndex_ =
+        static_cast<std::uint32_t*>(const_cast<void*>(region));  // NOLINT(cppcoreguidelines-pro-type-const-cast)
 }
 
 OSStatus SQLiteItemStorage::execute(const char* sql) {
@@ -286,17 +310,51 @@ OSStatus SQLiteItemStorage::visitRows(sqlite3_stmt* statement, const Visitor& vi
     return statusOf(result);
 }
 
+// Absent where it cannot be told: while a commit is under way, and within a change, which the log does not have yet.
+std::optional<CommittedRows::State> SQLiteItemStorage::committedState() const noexcept {
+    if (logIndex_ == nullptr || sqlite3_get_autocommit(connection_.get()) == 0) return std::nullopt;
+    const auto copy = [this](std::size_t number) {
+        CommittedRows::State state;
+        std::uint32_t* word = logIndex_ + number * state.size();
+        for (std::uint32_t& read : state) read = std::atomic_ref(*word++).load(std::memory_order_relaxed);
+        // Whoever commits writes the second copy first.
+        std::atomic_thread_fence(std::memory_order_acquire);
+        return state;
+    };
+    const CommittedRows::State state = copy(0);
+    return state == copy(1) && state.front() == kLogIndexVersion ? std::optional(state) : std::nullopt;
+}
+
 OSStatus SQLiteItemStorage::visit(std::string_view prefix, const Visitor& visitor) {
     if (prefix.empty()) return visitRows(visitAll_.get(), visitor);
+    const std::optional<CommittedRows::State> before = committedState();
+    if (before) {
+        if (const CommittedRows::Visit* known = committed_.find(*before, prefix)) return known->replay(visitor);
+    }
+    CommittedRows::Visit visit;
     makeSuccessor(prefix, end_);
     bindBytes(visit_.get(), 1, prefix);
     bindBytes(visit_.get(), 2, end_);
-    return visitRows(visit_.get(), visitor);
+    const OSStatus status = visitRows(visit_.get(), [&](const ItemRow& row) {
+        if (before) visit.add(row);
+        return visitor(row);
+    });
+    // The rows are of this state only if it was there before as well as after.
+    if (status == errSecSuccess && before && committedState() == before) committed_.remember(prefix, std::move(visit));
+    return status;
 }
 
 OSStatus SQLiteItemStorage::visitRow(std::int64_t number, const Visitor& visitor) {
     sqlite3_bind_int64(visitRow_.get(), 1, number);
     return visitRows(visitRow_.get(), visitor);
+}
+
+OSStatus SQLiteItemStorage::contains(std::string_view identity, bool& isThere) {
+    bindBytes(contains_.get(), 1, identity);
+    Run run(contains_.get());
+    const int result = run.step();
+    isThere = result == SQLITE_ROW;
+    return statusOf(result);
 }
 
 OSStatus SQLiteItemStorage::insert(std::string_view identity, std::string_view attributes, std::string_view sealed,

@@ -3,6 +3,7 @@
 
 // The rows of the item store in a SQLite file. docs/item-store.md has the schema.
 
+#include <ZORPlatform/Security/CommittedRowsInternal.h>
 #include <ZORPlatform/Security/ItemStorageInternal.h>
 
 #include <chrono>
@@ -33,6 +34,7 @@ public:
 
     [[nodiscard]] OSStatus visit(std::string_view prefix, const Visitor& visitor) override;
     [[nodiscard]] OSStatus visitRow(std::int64_t number, const Visitor& visitor) override;
+    [[nodiscard]] OSStatus contains(std::string_view identity, bool& isThere) override;
     [[nodiscard]] OSStatus insert(std::string_view identity, std::string_view attributes, std::string_view sealed,
                                   std::int64_t& number) override;
     [[nodiscard]] OSStatus replace(std::int64_t number, std::optional<std::string_view> identity,
@@ -66,9 +68,11 @@ private:
     [[nodiscard]] OSStatus migrate(Migrations steps);
     [[nodiscard]] OSStatus checkSchema();
     [[nodiscard]] OSStatus prepare();
+    void findLogIndex();
     [[nodiscard]] OSStatus execute(const char* sql);
     [[nodiscard]] OSStatus readNumber(const char* sql, int& number);
     [[nodiscard]] OSStatus visitRows(sqlite3_stmt* statement, const Visitor& visitor);
+    [[nodiscard]] std::optional<CommittedRows::State> committedState() const noexcept;
     static int waitForOthers(void* self, int attempt);
 
     // The statements end before the connection does.
@@ -76,6 +80,7 @@ private:
     Statement visitAll_;
     Statement visit_;
     Statement visitRow_;
+    Statement contains_;
     Statement insert_;
     Statement replace_;
     Statement replaceWithIdentity_;
@@ -84,6 +89,8 @@ private:
     Statement commit_;
     Statement rollback_;
     Clock::time_point waitingSince_;
+    std::uint32_t* logIndex_ = nullptr;  ///< The connection's.
+    CommittedRows committed_;
     std::string end_;  ///< Of what a visit goes through. Kept for its memory.
 };
 

@@ -14,6 +14,7 @@
 #include <stdlib.h>
 
 #include <array>
+#include <chrono>
 #include <cstdint>
 #include <cstdlib>
 #include <filesystem>
@@ -155,23 +156,49 @@ std::size_t next() {
     return number = (number + 7) % kKeys;
 }
 
+void readValue() { benchmark::DoNotOptimize(keychain().data(keys()[next()])); }
+
+void readRawValue() {
+    benchmark::DoNotOptimize(RawStore::instance().find(key(next())));
+    openValue();
+}
+
 const Comparison reading = Comparison("keychain: a value read")
-                               .candidate([] { benchmark::DoNotOptimize(keychain().data(keys()[next()])); })
-                               .floor("raw select and one GCM",
-                                      [] {
-                                          benchmark::DoNotOptimize(RawStore::instance().find(key(next())));
-                                          openValue();
-                                      })
+                               .candidate(readValue)
+                               .floor("raw select and one GCM", readRawValue)
                                .atMost(1.5, "raw select and one GCM")
                                .add();
 
-// A failing input.
-const Comparison readingNothing =
-    Comparison("keychain: a key that is missing")
-        .candidate([] { benchmark::DoNotOptimize(keychain().data(u"missing")); })
-        .floor("a value read", [] { benchmark::DoNotOptimize(keychain().data(keys()[next()])); })
-        .atMost(1.0, "a value read")
+constexpr std::size_t kReadings = 100;
+
+/// The time that it takes to read values after a change, which makes everybody go to the file again.
+template <class Change, class Read>
+std::chrono::nanoseconds timeAfter(const Change& change, const Read& read) {
+    change();
+    const auto start = std::chrono::steady_clock::now();
+    for (std::size_t i = 0; i < kReadings; ++i) read();
+    return std::chrono::steady_clock::now() - start;
+}
+
+void changeValue() {
+    if (!keychain().set(kValue, keys()[next()])) std::abort();
+}
+
+void changeRawValue() { RawStore::instance().update(key(next())); }
+
+const Comparison readingAnew =
+    Comparison("keychain: a value read for the first time since a change")
+        .itemsPerCall(kReadings)
+        .candidate([] { return timeAfter(changeValue, readValue); })
+        .floor("raw select and one GCM", [] { return timeAfter(changeRawValue, readRawValue); })
         .add();
+
+// A failing input.
+const Comparison readingNothing = Comparison("keychain: a key that is missing")
+                                      .candidate([] { benchmark::DoNotOptimize(keychain().data(u"missing")); })
+                                      .floor("a value read", readValue)
+                                      .atMost(1.0, "a value read")
+                                      .add();
 
 const Comparison writing = Comparison("keychain: a new value written")
                                .inElapsedTime()
@@ -190,10 +217,8 @@ const Comparison writing = Comparison("keychain: a new value written")
 
 const Comparison rewriting = Comparison("keychain: a value replaced")
                                  .inElapsedTime()
-                                 .candidate([] {
-                                     if (!keychain().set(kValue, keys()[next()])) std::abort();
-                                 })
-                                 .floor("raw update", [] { RawStore::instance().update(key(next())); })
+                                 .candidate(changeValue)
+                                 .floor("raw update", changeRawValue)
                                  .atMost(1.15, "raw update")
                                  .add();
 

@@ -28,6 +28,10 @@ public:
         const Row& row = found->second;
         return visitor({number, row.identity, row.attributes, row.sealed});
     }
+    OSStatus contains(std::string_view identity, bool& isThere) override {
+        isThere = isTaken(identity, 0);
+        return ZORPlatform::errSecSuccess;
+    }
     OSStatus insert(std::string_view identity, std::string_view attributes, std::string_view sealed,
                     std::int64_t& number) override {
         if (isTaken(identity, 0)) return ZORPlatform::errSecDuplicateItem;

@@ -445,6 +445,61 @@ TEST_F(SecItem, AMigrationThatFailsChangesNothing) {
     EXPECT_EQ(valueOf(kPin), Data{1});
 }
 
+/// The store's rows behind a prefix, as one of its connections has them.
+std::vector<std::string> sealedRows(SQLiteItemStorage& storage, std::string_view prefix) {
+    std::vector<std::string> rows;
+    const auto visitor = [&rows](const ItemRow& row) {
+        rows.emplace_back(row.sealed);
+        return errSecSuccess;
+    };
+    EXPECT_EQ(storage.visit(prefix, visitor), errSecSuccess);
+    std::sort(rows.begin(), rows.end());
+    return rows;
+}
+
+TEST_F(SecItem, WhatAnotherConnectionCommitsIsSeenByOneThatHasReadBefore) {
+    using Rows = std::vector<std::string>;
+    std::unique_ptr<SQLiteItemStorage> reader;
+    std::unique_ptr<SQLiteItemStorage> writer;
+    ASSERT_EQ(SQLiteItemStorage::open(store(), reader), errSecSuccess);
+    ASSERT_EQ(SQLiteItemStorage::open(store(), writer), errSecSuccess);
+    // Twice each time: at first from the file, then from what the connection remembers.
+    const auto expectRows = [&reader](const Rows& rows) {
+        EXPECT_EQ(sealedRows(*reader, "pin"), rows);
+        EXPECT_EQ(sealedRows(*reader, "pin"), rows);
+    };
+    expectRows({});
+    std::int64_t first = 0;
+    ASSERT_EQ(writer->insert("pin1", "", "one", first), errSecSuccess);
+    expectRows({"one"});
+    std::int64_t second = 0;
+    ASSERT_EQ(writer->insert("pin2", "", "two", second), errSecSuccess);
+    expectRows({"one", "two"});
+    ASSERT_EQ(writer->replace(first, std::nullopt, "", "three"), errSecSuccess);
+    expectRows({"three", "two"});
+    ASSERT_EQ(writer->begin(), errSecSuccess);
+    ASSERT_EQ(writer->remove(first), errSecSuccess);
+    expectRows({"three", "two"});
+    ASSERT_EQ(writer->commit(), errSecSuccess);
+    expectRows({"two"});
+    ASSERT_EQ(writer->replace(second, "card2", "", "two"), errSecSuccess);
+    expectRows({});
+}
+
+TEST_F(SecItem, AChangeSeesItsOwnStepsAndNobodyDoesOnceItIsUndone) {
+    using Rows = std::vector<std::string>;
+    std::unique_ptr<SQLiteItemStorage> storage;
+    ASSERT_EQ(SQLiteItemStorage::open(store(), storage), errSecSuccess);
+    std::int64_t number = 0;
+    ASSERT_EQ(storage->insert("pin", "", "old", number), errSecSuccess);
+    EXPECT_EQ(sealedRows(*storage, "pin"), Rows{"old"});
+    ASSERT_EQ(storage->begin(), errSecSuccess);
+    ASSERT_EQ(storage->replace(number, std::nullopt, "", "new"), errSecSuccess);
+    EXPECT_EQ(sealedRows(*storage, "pin"), Rows{"new"});
+    storage->rollback();
+    EXPECT_EQ(sealedRows(*storage, "pin"), Rows{"old"});
+}
+
 TEST_F(SecItem, ExaminingMakesNoStore) {
     const SecItemStoreReport report = SecItemStore::examine();
     EXPECT_FALSE(report.exists);
