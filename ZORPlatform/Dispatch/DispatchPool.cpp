@@ -37,6 +37,10 @@ struct Worker {
     std::condition_variable wake;
     Call call = Call::none;
     bool inJob = false;
+    /// What it waits in, if that can be interrupted.
+    PoolWait* wait = nullptr;
+    /// Takes the next job itself, right away.
+    bool endsTurn = false;
     /// Found the pool stalled: runs one job although there are workers enough.
     bool isRelief = false;
 };
@@ -56,17 +60,18 @@ public:
             (last_ == nullptr ? first_ : last_->next_) = &job;
             last_ = &job;
             readyCount_.store(readyCount_.load(std::memory_order_relaxed) + 1, std::memory_order_relaxed);
-            recruited = recruit();
+            if (currentWorker == nullptr || !currentWorker->endsTurn) recruited = recruit();
         }
         if (recruited != nullptr) recruited->wake.notify_one();
     }
 
     [[nodiscard]] bool hasReadyJobs() const noexcept { return readyCount_.load(std::memory_order_relaxed) != 0; }
 
-    void beginBlocking() noexcept {
+    void beginBlocking(PoolWait* wait) noexcept {
         Worker* recruited = nullptr;
         {
             const std::scoped_lock lock(mutex_);
+            currentWorker->wait = wait;
             --awake_;
             recruited = recruit();
         }
@@ -75,6 +80,7 @@ public:
 
     void endBlocking() noexcept {
         const std::scoped_lock lock(mutex_);
+        currentWorker->wait = nullptr;
         ++awake_;
     }
 
@@ -85,12 +91,15 @@ public:
             const std::scoped_lock lock(mutex_);
             exiting_ = true;
             for (const std::unique_ptr<Worker>& worker : workers_) {
-                // One that is about to take a job is as good as inside it.
-                if (worker->inJob || !worker->thread.joinable() || (first_ != nullptr && worker->call != Call::none)) {
-                    continue;
+                if (!worker->thread.joinable()) continue;
+                if (worker->wait != nullptr) {
+                    worker->wait->interrupt();
+                } else {
+                    // One that is about to take a job is as good as inside it.
+                    if (worker->inJob || (first_ != nullptr && worker->call != Call::none)) continue;
+                    if (worker->call == Call::work) stopSearching();
+                    if (worker->call == Call::watch) watched_ = false;
                 }
-                if (worker->call == Call::work) stopSearching();
-                if (worker->call == Call::watch) watched_ = false;
                 worker->call = Call::leave;
                 leaving.push_back(worker.get());
             }
@@ -164,7 +173,7 @@ private:
         while (self.call != Call::leave) {
             if (self.call == Call::work) {
                 workWhileReady(self, lock);
-                self.call = Call::none;
+                if (self.call == Call::work) self.call = Call::none;
                 if (exiting_) break;
                 // Jobs may be ready that this worker is one too many for.
                 if (hasReadyJobs() && !watched_) {
@@ -185,7 +194,7 @@ private:
     }
 
     void workWhileReady(Worker& self, std::unique_lock<std::mutex>& lock) {
-        while (first_ != nullptr && (awake_ <= width_ || self.isRelief)) {
+        while (first_ != nullptr && self.call == Call::work && (awake_ <= width_ || self.isRelief)) {
             self.isRelief = false;
             --searching_;
             PoolJob& job = *first_;
@@ -302,11 +311,23 @@ void DispatchPool::waitForMore() noexcept {
 }
 
 DispatchPool::Blocking::Blocking() noexcept {
-    if (currentWorker != nullptr) state().beginBlocking();
+    if (currentWorker != nullptr) state().beginBlocking(nullptr);
+}
+
+DispatchPool::Blocking::Blocking(PoolWait& wait) noexcept {
+    if (currentWorker != nullptr) state().beginBlocking(&wait);
 }
 
 DispatchPool::Blocking::~Blocking() {
     if (currentWorker != nullptr) state().endBlocking();
+}
+
+DispatchPool::EndOfTurn::EndOfTurn() noexcept {
+    if (currentWorker != nullptr) currentWorker->endsTurn = true;
+}
+
+DispatchPool::EndOfTurn::~EndOfTurn() {
+    if (currentWorker != nullptr) currentWorker->endsTurn = false;
 }
 
 }  // namespace ZORPlatform

@@ -14,8 +14,9 @@
 //   library cannot see. Hence work that waits for other work makes progress, up to kMaximumWorkers threads.
 // Surplus workers end after some seconds without work.
 //
-// Exit. When the process exits, workers that are not inside a job are stopped and joined. The others are left alone,
-// and the pool is never destroyed. Work submitted later still runs; workers then end as soon as they find none.
+// Exit. When the process exits, workers that are not inside a job are stopped and joined, and those whose wait
+// can be interrupted. The others are left alone, and the pool is never destroyed. Work submitted later still runs;
+// workers then end as soon as they find none.
 //
 // Fork. The child starts with a pool of its own and no threads. Queues made before the fork must not be used in it.
 
@@ -42,6 +43,21 @@ private:
     PoolJob* next_ = nullptr;
 };
 
+/// A wait inside the library that the exit of the process may end.
+class PoolWait {
+public:
+    PoolWait() noexcept = default;
+    PoolWait(const PoolWait&) = delete;
+    PoolWait& operator=(const PoolWait&) = delete;
+
+    /// Makes the wait end, and the turn after it, without the caller's code being run: its worker is being joined. Must
+    /// neither wait for anything nor submit.
+    virtual void interrupt() noexcept = 0;
+
+protected:
+    virtual ~PoolWait() = default;
+};
+
 /// Thread-safe throughout.
 class DispatchPool {
 public:
@@ -65,9 +81,20 @@ public:
     class Blocking {
     public:
         Blocking() noexcept;
+        explicit Blocking(PoolWait& wait) noexcept;
         ~Blocking();
         Blocking(const Blocking&) = delete;
         Blocking& operator=(const Blocking&) = delete;
+    };
+
+    /// Marks that the current turn ends as soon as this goes: what is submitted until then is for the thread that runs
+    /// it, which gets to it sooner than one that has to be woken. No effect on threads that are not the pool's.
+    class EndOfTurn {
+    public:
+        EndOfTurn() noexcept;
+        ~EndOfTurn();
+        EndOfTurn(const EndOfTurn&) = delete;
+        EndOfTurn& operator=(const EndOfTurn&) = delete;
     };
 
     static constexpr std::size_t kMaximumWorkers = 512;

@@ -1,28 +1,28 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <ZORPlatform/Dispatch/DispatchSource.h>
 
+#include <ZORPlatform/Dispatch/DispatchPool.h>
 #include <ZORPlatform/Dispatch/FileSystemWatchesInternal.h>
-#include <ZORPlatform/Dispatch/SignalsBlockedInternal.h>
 #include <ZORPlatform/Foundation/SystemCallsInternal.h>
 
 #include <poll.h>
 #include <pthread.h>
+#include <sys/eventfd.h>
 #include <unistd.h>
 
 #include <array>
 #include <cerrno>
-#include <cstdint>
 #include <mutex>
 #include <system_error>
-#include <thread>
 #include <utility>
 
 namespace ZORPlatform {
 namespace {
 
-/// The watches of the process and the thread that reads their events. Never destroyed: sources may be made and
-/// cancelled while the process exits.
-class EventReader {
+/// The watches of the process and the job that reads their events, on one thread of the pool at a time. That thread
+/// goes on with what the events have made due, and another one comes to wait for the next: so an event wakes just one
+/// thread before the caller's code runs. Never destroyed: sources may be made and cancelled while the process exits.
+class EventReader final : private PoolJob, private PoolWait {
 public:
     static EventReader& shared();
 
@@ -39,8 +39,7 @@ private:
     /// Made once and kept.
     struct Running {
         FileSystemWatches watches;
-        const Descriptor wake{systemCalls().eventfd()};
-        std::thread thread;
+        const Descriptor end{systemCalls().eventfd()};
     };
 
     Running* started() {
@@ -54,47 +53,51 @@ private:
         if (isExiting_) return nullptr;
         if (running_ != nullptr) return running_.get();
         auto made = std::make_unique<Running>();
-        if (!made->watches.isOpen() || !made->wake.isOpen()) return nullptr;
-        try {
-            const SignalsBlocked blocked;
-            made->thread = std::thread([&running = *made] { read(running); });
-        } catch (const std::system_error&) {
-            return nullptr;
-        }
+        if (!made->watches.isOpen() || !made->end.isOpen()) return nullptr;
         running_ = std::move(made);
+        try {
+            DispatchPool::submit(*this);
+        } catch (const std::system_error&) {
+            // No thread could be started; the turn comes with what is submitted next.
+        }
         return running_.get();
     }
 
-    static void read(Running& running) {
-        pthread_setname_np(pthread_self(), "ZORFileEvents");
-        std::array<pollfd, 2> waiting{{{running.watches.descriptor(), POLLIN, 0}, {running.wake.number(), POLLIN, 0}}};
-        for (;;) {
-            const int ready = ::poll(waiting.data(), waiting.size(), -1);
-            if (ready < 0 && errno == EINTR) continue;
-            // A descriptor that the application has closed by mistake would be ready for ever.
-            if (ready < 0 || waiting[0].revents != POLLIN || waiting[1].revents != 0) return;
-            running.watches.readEvents();
-        }
+    void runTurn() noexcept override {
+        if (!waitForEvents()) return;
+        const DispatchPool::EndOfTurn end;
+        running_->watches.readEvents();
+        DispatchPool::submit(*this);
     }
 
-    /// At the exit of the process.
+    /// @return false when there is nothing to wait for any more
+    [[nodiscard]] bool waitForEvents() noexcept {
+        const DispatchPool::Blocking waiting(*this);
+        std::array<pollfd, 2> ready{{{running_->watches.descriptor(), POLLIN, 0}, {running_->end.number(), POLLIN, 0}}};
+        while (::poll(ready.data(), ready.size(), -1) < 0) {
+            if (errno != EINTR) return false;
+        }
+        // A descriptor that the application has closed by mistake would be ready for ever.
+        return ready[0].revents == POLLIN && ready[1].revents == 0;
+    }
+
+    /// Nobody reads what is written here, so that no later turn waits, either.
+    void interrupt() noexcept override { ::eventfd_write(running_->end.number(), 1); }
+
+    /// At the exit of the process, before the pool's.
     void stop() {
-        {
-            const std::scoped_lock lock(mutex_);
-            isExiting_ = true;
-            if (running_ == nullptr) return;
-        }
-        const std::uint64_t one = 1;
-        if (::write(running_->wake.number(), &one, sizeof one) == sizeof one) running_->thread.join();
+        const std::scoped_lock lock(mutex_);
+        isExiting_ = true;
+        if (running_ != nullptr) interrupt();
     }
 
-    /// In a child process: the instance is the parent's, too, and what is done to it would be done to the parent. Its
-    /// thread is not there, so it is never destroyed; it stays linked, because it is not lost either.
+    /// In a child process: the instance is the parent's, too, and what is done to it would be done to the parent. The
+    /// parent's pool has it for a job, so it is never destroyed; it stays linked, because it is not lost either.
     void inherit() noexcept {
         older_ = std::exchange(inherited_, this);
         if (running_ == nullptr) return;
         ::close(running_->watches.descriptor());
-        ::close(running_->wake.number());
+        ::close(running_->end.number());
     }
 
     static std::atomic<EventReader*> current_;
@@ -114,6 +117,8 @@ EventReader& EventReader::shared() {
     if (found == nullptr) {
         static const struct Process {
             Process() {
+                // What is there first is there longer.
+                static_cast<void>(DispatchPool::hasReadyJobs());
                 pthread_atfork(nullptr, nullptr, [] {
                     if (EventReader* parents = current_.exchange(nullptr)) parents->inherit();
                 });

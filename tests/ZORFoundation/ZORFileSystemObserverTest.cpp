@@ -378,26 +378,26 @@ TEST_F(ZORFileSystemObserverDeathTest, NeverReportsWhenASystemCallFailsAndTriesA
 }
 
 /// By name: a sanitizer keeps a thread of its own.
-bool readerIsRunning() {
+bool poolIsRunning() {
     for (const fs::directory_entry& task : fs::directory_iterator("/proc/self/task")) {
         std::string name;
         std::getline(std::ifstream(task.path() / "comm"), name);
-        if (name == "ZORFileEvents") return true;
+        if (name == "ZORDispatch") return true;
     }
     return false;
 }
 
-TEST_F(ZORFileSystemObserverDeathTest, EndsItsThreadWhenTheProcessExits) {
+TEST_F(ZORFileSystemObserverDeathTest, EndsTheThreadThatWaitsForEventsWhenTheProcessExits) {
     EXPECT_EXIT(
         {
-            // Registered before the reader exists, so it runs after the reader has stopped.
+            // Registered before the pool exists, so it runs after the pool has stopped.
             std::atexit([] {
                 // A joined thread may be listed a little longer.
-                for (int i = 0; i < 10'000 && readerIsRunning(); ++i) std::this_thread::yield();
-                _exit(readerIsRunning() ? 1 : 9);
+                for (int i = 0; i < 10'000 && poolIsRunning(); ++i) std::this_thread::yield();
+                _exit(poolIsRunning() ? 1 : 9);
             });
             runOneCall();
-            if (!readerIsRunning()) _exit(2);
+            if (!poolIsRunning()) _exit(2);
             std::exit(0);
         },
         testing::ExitedWithCode(9), "");

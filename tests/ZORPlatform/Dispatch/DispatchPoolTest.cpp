@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <ZORPlatform/Dispatch/DispatchGroup.h>
+#include <ZORPlatform/Dispatch/DispatchPool.h>
 #include <ZORPlatform/Dispatch/DispatchQueue.h>
 
 #include <gtest/gtest.h>
@@ -213,6 +214,91 @@ TEST_F(DispatchPoolDeathTest, DoesNotWaitForWorkInProgressWhenTheProcessExits) {
             std::exit(5);
         },
         testing::ExitedWithCode(5), "");
+}
+
+/// Waits until it is interrupted.
+class Interruptible final : public ZORPlatform::PoolJob, public ZORPlatform::PoolWait {
+public:
+    void runTurn() noexcept override {
+        static_cast<void>(&goodbye);
+        const ZORPlatform::DispatchPool::Blocking waiting(*this);
+        begun.count_down();
+        end_.acquire();
+    }
+    void interrupt() noexcept override { end_.release(); }
+
+    std::latch begun{1};
+
+private:
+    std::binary_semaphore end_{0};
+};
+
+TEST_F(DispatchPoolDeathTest, InterruptsAWaitThatAllowsItWhenTheProcessExits) {
+    EXPECT_EXIT(
+        {
+            auto& job = *new Interruptible;
+            ZORPlatform::DispatchPool::submit(job);
+            job.begun.wait();
+            std::exit(0);
+        },
+        testing::ExitedWithCode(0), "worker ended\\.");
+}
+
+/// Submits another job in the course of its turn.
+class Handover final : public ZORPlatform::PoolJob {
+public:
+    explicit Handover(ZORPlatform::PoolJob& next) : next_(next) {}
+    void runTurn() noexcept override {
+        thread = gettid();
+        const ZORPlatform::DispatchPool::EndOfTurn end;
+        ZORPlatform::DispatchPool::submit(next_);
+    }
+
+    std::atomic<pid_t> thread{0};
+
+private:
+    ZORPlatform::PoolJob& next_;
+};
+
+class SaysItsThread final : public ZORPlatform::PoolJob {
+public:
+    void runTurn() noexcept override {
+        thread = gettid();
+        run.count_down();
+    }
+
+    std::atomic<pid_t> thread{0};
+    std::latch run{1};
+};
+
+// In a process of its own: no other worker is there that could be looking for a job.
+TEST_F(DispatchPoolDeathTest, LeavesWhatIsSubmittedAtTheEndOfATurnToItsThread) {
+    EXPECT_EXIT(
+        {
+            SaysItsThread next;
+            Handover first(next);
+            ZORPlatform::DispatchPool::submit(first);
+            next.run.wait();
+            std::exit(next.thread == first.thread ? 0 : 1);
+        },
+        testing::ExitedWithCode(0), "");
+}
+
+TEST_F(DispatchPoolDeathTest, WakesOthersForWhatIsSubmittedEarlierInATurn) {
+    EXPECT_EXIT(
+        {
+            SaysItsThread next;
+            std::atomic<pid_t> thread{0};
+            DispatchQueue::serial(u"waits").async([&] {
+                thread = gettid();
+                { const ZORPlatform::DispatchPool::EndOfTurn end; }
+                ZORPlatform::DispatchPool::submit(next);
+                next.run.wait();
+            });
+            next.run.wait();
+            std::exit(next.thread != thread ? 0 : 1);
+        },
+        testing::ExitedWithCode(0), "");
 }
 
 TEST_F(DispatchPoolDeathTest, LetsWorkExitTheProcess) {
