@@ -1,13 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <ZORFoundation/Base64CodingInternal.h>
 
+#include <ZORPlatform/Foundation/WrittenText.h>
+
 #include <algorithm>
 
 namespace ZORFoundation {
 namespace {
 
 using ZORPlatform::kBase64Values;
-using ZORPlatform::TextAssembly;
 
 const ZORPlatform::Base64Functions<char16_t>& functions() noexcept { return ZORPlatform::base64<char16_t>(); }
 
@@ -22,9 +23,6 @@ constexpr std::size_t kProductiveGroups = 16;
 constexpr std::size_t kDirtUnits = 512;
 
 constexpr std::size_t kFewUnits = 16;
-
-// Usual lines, 64 or 76 characters and their break, fit a piece of the text in this number.
-constexpr std::size_t kLinesAtOnce = 52;
 
 // Below 64 a value. Units above ASCII have the last entry.
 constexpr std::uint8_t kSkipped = 64;
@@ -50,13 +48,6 @@ char16_t characterOf(unsigned value) noexcept {
 
 std::uint8_t valueOf(char character) noexcept { return kBase64Values[static_cast<unsigned char>(character)]; }
 
-// One unit or two. A call of libc's would take longer than the encoding of a line.
-char16_t* writeLineBreak(std::u16string_view lineBreak, char16_t* to) noexcept {
-    *to++ = lineBreak.front();
-    if (lineBreak.size() > 1) *to++ = lineBreak.back();
-    return to;
-}
-
 // A group of one byte or two, and its padding.
 void writePaddedGroup(std::span<const std::uint8_t> bytes, char16_t* units) noexcept {
     const unsigned first = bytes[0];
@@ -67,28 +58,11 @@ void writePaddedGroup(std::span<const std::uint8_t> bytes, char16_t* units) noex
     units[3] = u'=';
 }
 
-// Lines of whole groups with their breaks. @return the end of what was written
-char16_t* writeLines(const std::uint8_t* bytes, std::size_t lines, std::size_t lineBytes, std::u16string_view lineBreak,
-                     char16_t* to) noexcept {
-    const std::size_t lineUnits = lineBytes / 3 * 4 + lineBreak.size();
-    functions().encodeLines(bytes, lines, lineBytes / 3, to, lineUnits);
-    for (; lines != 0; --lines) to = writeLineBreak(lineBreak, to + lineUnits - lineBreak.size());
-    return to;
-}
-
-// A writer would take as long as the encoding of a short text.
-std::u16string shortLines(std::span<const std::uint8_t> bytes, std::size_t lines, std::size_t lineBytes,
-                          std::u16string_view lineBreak, std::size_t units) {
-    std::u16string text = TextAssembly::zeros(units);
-    char16_t* to = text.data();
-    if (lines != 0) {
-        to = writeLines(bytes.data(), lines, lineBytes, lineBreak, to);
-        bytes = bytes.subspan(lines * lineBytes);
-    }
+// Groups, and the padded one behind them.
+void writeLine(std::span<const std::uint8_t> bytes, char16_t* text) noexcept {
     const std::size_t groups = bytes.size() / 3;
-    functions().encode(bytes.data(), groups, to);
-    if (bytes.size() != 3 * groups) writePaddedGroup(bytes.subspan(3 * groups), to + 4 * groups);
-    return text;
+    functions().encode(bytes.data(), groups, text);
+    if (bytes.size() != 3 * groups) writePaddedGroup(bytes.subspan(3 * groups), text + 4 * groups);
 }
 
 // Longer texts are worth the steps of a reader, which never goes over a character twice.
@@ -100,21 +74,28 @@ Base64Stop stopFor(std::uint8_t code) noexcept {
 
 }  // namespace
 
-std::u16string base64Lines(std::span<const std::uint8_t> bytes, std::size_t lines, std::size_t lineBytes,
-                           std::u16string_view lineBreak) {
-    const std::size_t units = base64Units(bytes.size()) + lines * lineBreak.size();
-    if (units <= TextAssembly::kShortUnits) return shortLines(bytes, lines, lineBytes, lineBreak, units);
-    Base64Writer writer(units);
-    writer.appendLines(bytes.data(), lines, lineBytes, lineBreak);
-    writer.append(bytes.subspan(lines * lineBytes));
-    return writer.finish();
+std::u16string base64Text(std::span<const std::uint8_t> bytes) {
+    return ZORPlatform::writtenText(base64Units(bytes.size()),
+                                    [=](char16_t* text) noexcept { writeLine(bytes, text); });
 }
 
-std::optional<std::size_t> decodePlainText(std::u16string_view text, std::uint8_t* bytes) noexcept {
-    if (text.size() > kLongestPlainText || text.size() % 4 != 0 || text.empty()) return std::nullopt;
+std::u16string base64Text(std::span<const std::uint8_t> bytes, const Base64Lines& lines) {
+    const std::size_t linesBytes = lines.count * 3 * lines.groups;
+    const std::size_t linesUnits = lines.count * (4 * lines.groups + lines.lineBreak.size());
+    const std::size_t restUnits = base64Units(bytes.size() - linesBytes);
+    const std::u16string_view end = lines.endsInBreak ? lines.lineBreak : std::u16string_view();
+    return ZORPlatform::writtenText(linesUnits + restUnits + end.size(), [=, &lines](char16_t* text) noexcept {
+        functions().encodeLines(bytes.data(), lines.count, lines.groups, lines.lineBreak, text);
+        writeLine(bytes.subspan(linesBytes), text + linesUnits);
+        std::copy(end.begin(), end.end(), text + linesUnits + restUnits);
+    });
+}
+
+std::size_t decodePlainText(std::u16string_view text, std::uint8_t* bytes) noexcept {
+    if (text.size() > kLongestPlainText || text.size() % 4 != 0 || text.empty()) return 0;
     const std::size_t padding = text.back() != u'=' ? 0 : text[text.size() - 2] != u'=' ? 1 : 2;
     const std::size_t groups = text.size() / 4 - (padding == 0 ? 0 : 1);
-    if (functions().decode(text.data(), groups, bytes) != groups) return std::nullopt;
+    if (functions().decode(text.data(), groups, bytes) != groups) return 0;
     if (padding == 0) return 3 * groups;
 
     const Codes& codes = kCodes[static_cast<std::size_t>(Base64Padding::kEnds)];
@@ -122,41 +103,10 @@ std::optional<std::size_t> decodePlainText(std::u16string_view text, std::uint8_
     const unsigned first = codeOf(last[0], codes);
     const unsigned second = codeOf(last[1], codes);
     const unsigned third = padding == 1 ? codeOf(last[2], codes) : 0;
-    if ((first | second | third) >= kSkipped) return std::nullopt;
+    if ((first | second | third) >= kSkipped) return 0;
     bytes[3 * groups] = static_cast<std::uint8_t>(first << 2 | second >> 4);
     bytes[3 * groups + 1] = static_cast<std::uint8_t>(second << 4 | third >> 2);
     return 3 * groups + 3 - padding;
-}
-
-void Base64Writer::append(std::span<const std::uint8_t> bytes) {
-    constexpr std::size_t kPieceGroups = TextAssembly::kChunkUnits / 4;
-    while (bytes.size() >= 3) {
-        const std::size_t groups = std::min(bytes.size() / 3, kPieceGroups);
-        functions().encode(bytes.data(), groups, text_.room(4 * groups));
-        bytes = bytes.subspan(3 * groups);
-    }
-    if (!bytes.empty()) writePaddedGroup(bytes, text_.room(4));
-}
-
-void Base64Writer::append(std::u16string_view lineBreak) { writeLineBreak(lineBreak, text_.room(lineBreak.size())); }
-
-void Base64Writer::appendLines(const std::uint8_t* bytes, std::size_t lines, std::size_t lineBytes,
-                               std::u16string_view lineBreak) {
-    const std::size_t lineUnits = lineBytes / 3 * 4 + lineBreak.size();
-    if (lineUnits > TextAssembly::kChunkUnits) {
-        for (; lines != 0; --lines, bytes += lineBytes) {
-            append({bytes, lineBytes});
-            append(lineBreak);
-        }
-        return;
-    }
-    while (lines != 0) {
-        const std::size_t fits = std::min(lines, kLinesAtOnce);
-        const std::size_t linesAtOnce = fits * lineUnits <= TextAssembly::kChunkUnits ? fits : 1;
-        writeLines(bytes, linesAtOnce, lineBytes, lineBreak, text_.room(linesAtOnce * lineUnits));
-        bytes += linesAtOnce * lineBytes;
-        lines -= linesAtOnce;
-    }
 }
 
 Base64Reader::Progress Base64Reader::read(std::u16string_view text, std::uint8_t* bytes) {

@@ -5,13 +5,11 @@
 // characters that are skipped. What to do with padding, line breaks and an incomplete last group is each codec's own.
 
 #include <ZORPlatform/Foundation/Base64.h>
-#include <ZORPlatform/Foundation/TextAssembly.h>
 #include <ZORPlatform/Foundation/Wiping.h>
 
 #include <array>
 #include <cstddef>
 #include <cstdint>
-#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -23,43 +21,26 @@ namespace ZORFoundation {
     return bytes / 3 * 4 + (bytes % 3 == 0 ? 0 : 4);
 }
 
-/// Base64 that begins with `lines` lines of `lineBytes` bytes each, a multiple of three, and `lineBreak`, one unit or
-/// two, behind each of them. The rest is one line, however long, padded where it must be.
-[[nodiscard]] std::u16string base64Lines(std::span<const std::uint8_t> bytes, std::size_t lines, std::size_t lineBytes,
-                                         std::u16string_view lineBreak);
-
 /// One line of Base64, however long, padded where it must be.
-[[nodiscard]] inline std::u16string base64Line(std::span<const std::uint8_t> bytes) {
-    return base64Lines(bytes, 0, 0, {});
-}
+[[nodiscard]] std::u16string base64Text(std::span<const std::uint8_t> bytes);
+
+/// How a Base64 text is broken into lines.
+struct Base64Lines {
+    std::size_t count;   ///< Whole lines, with a break behind each of them. The rest is one line, however long.
+    std::size_t groups;  ///< Groups in a whole line.
+    std::u16string_view lineBreak;  ///< One unit or two.
+    bool endsInBreak;               ///< Whether the rest has a break behind it, too.
+};
+
+/// Base64 in lines, padded where it must be.
+[[nodiscard]] std::u16string base64Text(std::span<const std::uint8_t> bytes, const Base64Lines& lines);
 
 /// Decodes the Base64 text that both codecs read alike and that most texts are: short, whole groups without anything
 /// between them, of which the last may be padded.
 ///
 /// @param bytes  room for three bytes for each four characters
-/// @return the number of bytes; absent for any other text
-[[nodiscard]] std::optional<std::size_t> decodePlainText(std::u16string_view text, std::uint8_t* bytes) noexcept;
-
-/// Writes one Base64 text.
-class Base64Writer {
-public:
-    /// @param units  the length of the finished text, line breaks included
-    explicit Base64Writer(std::size_t units) : text_(units) {}
-
-    /// Appends `lines` lines of `lineBytes` bytes each, a multiple of three, and `lineBreak`, one unit or two, behind
-    /// each of them.
-    void appendLines(const std::uint8_t* bytes, std::size_t lines, std::size_t lineBytes,
-                     std::u16string_view lineBreak);
-    /// Appends `bytes` as groups. A last group of one or two bytes is padded with "=", so it ends the text.
-    void append(std::span<const std::uint8_t> bytes);
-    /// Appends a line break, one unit or two.
-    void append(std::u16string_view lineBreak);
-    /// The text. The last operation of an object.
-    [[nodiscard]] std::u16string finish() { return text_.finish(); }
-
-private:
-    ZORPlatform::TextAssembly text_;
-};
+/// @return the number of bytes; 0 for any other text
+[[nodiscard]] std::size_t decodePlainText(std::u16string_view text, std::uint8_t* bytes) noexcept;
 
 /// What "=" means to a reader.
 enum class Base64Padding : std::uint8_t { kIsSkipped, kEnds };

@@ -17,35 +17,32 @@ Base64End endOfSkippingText(const Base64Reader& reader) noexcept {
 namespace ZORBase64 {
 namespace {
 
-constexpr std::size_t kLineBytes = 48;
+constexpr std::size_t kLineGroups = 16;
 constexpr std::u16string_view kLineBreak = u"\r\n";
+
+std::size_t decodeSkipping(std::u16string_view string, std::uint8_t* bytes) {
+    Base64Reader reader(Base64Padding::kIsSkipped);
+    const Base64Reader::Progress progress = reader.read(string, bytes);
+    if (progress.stop != Base64Stop::kEndOfText) return 0;
+    const Base64End end = endOfSkippingText(reader);
+    if (end.count > 0) std::copy_n(end.bytes.begin(), end.count, bytes + progress.bytes);
+    // A count below zero is the caller's to avoid; there is no such buffer.
+    if (end.count < 0 && progress.bytes == 0) return 0;
+    return progress.bytes + static_cast<std::size_t>(end.count);
+}
 
 }  // namespace
 
 std::u16string zor_base64EncodedString(std::span<const std::uint8_t> data) {
-    const std::size_t lineBreaks = data.empty() ? 0 : (data.size() - 1) / kLineBytes;
-    return base64Lines(data, lineBreaks, kLineBytes, kLineBreak);
+    const std::size_t lineBreaks = data.empty() ? 0 : (data.size() - 1) / (3 * kLineGroups);
+    return base64Text(data, {lineBreaks, kLineGroups, kLineBreak, /*endsInBreak=*/false});
 }
 
 std::vector<std::uint8_t> zor_dataFromBase64String(std::u16string_view string) {
     std::vector<std::uint8_t> bytes(string.size() / 4 * 3 + 2);
-    if (const auto length = decodePlainText(string, bytes.data())) {
-        bytes.resize(*length);
-        return bytes;
-    }
-    Base64Reader reader(Base64Padding::kIsSkipped);
-    const Base64Reader::Progress progress = reader.read(string, bytes.data());
-    if (progress.stop != Base64Stop::kEndOfText) {
-        bytes.clear();
-        return bytes;
-    }
-
-    const Base64End end = endOfSkippingText(reader);
-    std::size_t length = progress.bytes;
-    if (end.count > 0) std::copy_n(end.bytes.begin(), end.count, bytes.data() + length);
-    // A count below zero is the caller's to avoid; there is no such buffer.
-    if (end.count > 0 || length != 0) length += static_cast<std::size_t>(end.count);
-    bytes.resize(length);
+    std::size_t length = decodePlainText(string, bytes.data());
+    if (length == 0) length = decodeSkipping(string, bytes.data());
+    bytes.erase(bytes.begin() + static_cast<std::ptrdiff_t>(length), bytes.end());
     return bytes;
 }
 

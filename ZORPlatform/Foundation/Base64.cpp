@@ -24,9 +24,21 @@ void encodePortable(const std::uint8_t* bytes, std::size_t groups, Unit* text) {
     }
 }
 
+// A call of libc's would take longer than the encoding of a line.
+template <typename Unit>
+Unit* writeLineBreak(std::basic_string_view<Unit> lineBreak, Unit* to) noexcept {
+    *to++ = lineBreak.front();
+    if (lineBreak.size() > 1) *to++ = lineBreak.back();
+    return to;
+}
+
 template <typename Unit, void (*kEncode)(const std::uint8_t*, std::size_t, Unit*)>
-void encodeLinesBy(const std::uint8_t* bytes, std::size_t lines, std::size_t groups, Unit* text, std::size_t stride) {
-    for (; lines != 0; --lines, bytes += 3 * groups, text += stride) kEncode(bytes, groups, text);
+void encodeLinesBy(const std::uint8_t* bytes, std::size_t lines, std::size_t groups,
+                   std::basic_string_view<Unit> lineBreak, Unit* text) {
+    for (; lines != 0; --lines, bytes += 3 * groups) {
+        kEncode(bytes, groups, text);
+        text = writeLineBreak(lineBreak, text + 4 * groups);
+    }
 }
 
 template <typename Unit>
@@ -391,8 +403,12 @@ template <typename Unit>
 // A line of usual length is one or two steps, so what comes before and behind them is done once for all lines.
 template <typename Unit>
 [[gnu::target("avx512bw,avx512vbmi")]] void encodeLinesAVX512(const std::uint8_t* bytes, std::size_t lines,
-                                                              std::size_t groups, Unit* text, std::size_t stride) {
-    for (; lines != 0; --lines, bytes += 3 * groups, text += stride) encodeLine512(bytes, groups, text);
+                                                              std::size_t groups,
+                                                              std::basic_string_view<Unit> lineBreak, Unit* text) {
+    for (; lines != 0; --lines, bytes += 3 * groups) {
+        encodeLine512(bytes, groups, text);
+        text = writeLineBreak(lineBreak, text + 4 * groups);
+    }
 }
 
 template <typename Unit>

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-// Base64 (RFC 4648, section 4) of whole groups: three bytes, four characters. Padding, line breaks and stray characters
-// are the business of each codec and writer.
+// Base64 (RFC 4648, section 4) of whole groups: three bytes, four characters. Padding, stray characters and where lines
+// end are the business of each codec and writer.
 
 #include <ZORPlatform/Foundation/VectorLevel.h>
 
@@ -39,10 +39,9 @@ template <typename Unit>
 struct Base64Functions {
     /// Encodes `groups` × 3 bytes as `groups` × 4 units.
     void (*encode)(const std::uint8_t* bytes, std::size_t groups, Unit* text);
-    /// Encodes `lines` lines of `groups` groups each, which begin `stride` units apart, and leaves what is between them
-    /// alone.
-    void (*encodeLines)(const std::uint8_t* bytes, std::size_t lines, std::size_t groups, Unit* text,
-                        std::size_t stride);
+    /// Encodes `lines` lines of `groups` groups each, with `lineBreak`, one unit or two, behind each of them.
+    void (*encodeLines)(const std::uint8_t* bytes, std::size_t lines, std::size_t groups,
+                        std::basic_string_view<Unit> lineBreak, Unit* text);
     /// Decodes the groups that `text` begins with, at most `groups`, up to the first one that holds anything else than
     /// characters of the alphabet. Writes three bytes a group and nothing behind them.
     ///

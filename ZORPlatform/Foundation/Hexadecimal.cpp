@@ -1,10 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <ZORPlatform/Foundation/Hexadecimal.h>
 
-#include <ZORPlatform/Foundation/TextAssembly.h>
 #include <ZORPlatform/Foundation/VectorInstructionsInternal.h>
+#include <ZORPlatform/Foundation/WrittenText.h>
 
-#include <algorithm>
 #include <array>
 #include <string_view>
 
@@ -109,14 +108,8 @@ HexEncoder hexEncoder([[maybe_unused]] VectorLevel level) noexcept {
 
 std::u16string hexText(std::span<const std::uint8_t> bytes, HexDigits digits) {
     static const HexEncoder encode = hexEncoder(machineVectorLevel());
-    constexpr std::size_t kPieceBytes = TextAssembly::kChunkUnits / 2;
-    TextAssembly text(2 * bytes.size());
-    while (!bytes.empty()) {
-        const auto piece = bytes.first(std::min(bytes.size(), kPieceBytes));
-        encode(piece.data(), piece.size(), digits, text.room(2 * piece.size()));
-        bytes = bytes.subspan(piece.size());
-    }
-    return text.finish();
+    return writtenText(2 * bytes.size(),
+                       [=](char16_t* text) noexcept { encode(bytes.data(), bytes.size(), digits, text); });
 }
 
 }  // namespace ZORPlatform

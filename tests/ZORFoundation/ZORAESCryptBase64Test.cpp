@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <support/AllocationCount.h>
 #include <support/Base64Model.h>
 
 #include <limits>
@@ -50,6 +51,30 @@ TEST(ZORAESCryptBase64, ALineFeedFollowsEveryFullLine) {
     }
 }
 
+TEST(ZORAESCryptBase64, EncodesAsTheRuleReadLiterally) {
+    for (std::size_t length = 0; length < 200; ++length) {
+        Bytes bytes(length);
+        std::iota(bytes.begin(), bytes.end(), std::uint8_t{0});
+        ASSERT_EQ(ZORAESCrypt::zor_base64Encoding(bytes), support::literalBase64EncodingWithLineLength(bytes, 0));
+        ASSERT_EQ(ZORAESCrypt::zor_base64EncodingWithLineLength(bytes, 64),
+                  support::literalBase64EncodingWithLineLength(bytes, 64));
+    }
+}
+
+TEST(ZORAESCryptBase64, AllocatesTheResultOnly) {
+    for (const std::size_t length : {64U, 10000U}) {
+        const Bytes bytes(length, 0x5A);
+        const std::u16string text = ZORAESCrypt::zor_base64Encoding(bytes);
+        const support::AllocationCount allocations;
+        static_cast<void>(ZORAESCrypt::zor_base64Encoding(bytes));
+        EXPECT_EQ(allocations.count(), 1U);
+        static_cast<void>(ZORAESCrypt::zor_base64EncodingWithLineLength(bytes, 76));
+        EXPECT_EQ(allocations.count(), 2U);
+        static_cast<void>(ZORAESCrypt::zor_dataWithBase64EncodedString(text));
+        EXPECT_EQ(allocations.count(), 3U);
+    }
+}
+
 struct Decoding {
     std::u16string text;
     std::string bytes;
@@ -75,6 +100,21 @@ TEST(ZORAESCryptBase64, OtherCharactersAreSkipped) {
                                          {u"QUJ\nDREVG\n", "ABCDEF"},
                                          {u"\n\r \t", ""}};
     for (const auto& [text, bytes] : cases) EXPECT_EQ(decoded(text), bytesOf(bytes));
+}
+
+TEST(ZORAESCryptBase64, AStrayCharacterMayStandAtAnyPlace) {
+    for (std::size_t length = 0; length < 70; ++length) {
+        Bytes bytes(length);
+        std::iota(bytes.begin(), bytes.end(), std::uint8_t{0xA0});
+        const std::u16string text = ZORAESCrypt::zor_base64Encoding(bytes);
+        for (const char16_t stray : std::u16string_view(u"=\n-\u0141")) {
+            for (std::size_t at = 0; at < text.size(); ++at) {
+                std::u16string dirty = text;
+                dirty[at] = stray;
+                ASSERT_EQ(decoded(dirty), support::literalInitWithBase64EncodedString(dirty));
+            }
+        }
+    }
 }
 
 TEST(ZORAESCryptBase64, TextThatIsNotAsciiGivesNothingEvenBehindThePadding) {

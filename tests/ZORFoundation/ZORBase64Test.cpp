@@ -99,14 +99,45 @@ TEST(ZORBase64, DecodingUndoesEncodingButForAFullLastLine) {
     }
 }
 
+TEST(ZORBase64, EncodesAsTheRuleReadLiterally) {
+    std::vector<std::size_t> lengths(200);
+    std::iota(lengths.begin(), lengths.end(), std::size_t{0});
+    // Whole lines and their neighbours.
+    for (const std::size_t lines : {63U, 64U, 65U, 128U, 129U}) {
+        for (std::size_t length = 48 * lines - 3; length < 48 * lines + 4; ++length) lengths.push_back(length);
+    }
+    for (const std::size_t length : lengths) {
+        Bytes bytes(length);
+        std::iota(bytes.begin(), bytes.end(), std::uint8_t{0});
+        ASSERT_EQ(ZORBase64::zor_base64EncodedString(bytes), support::literalBase64EncodedString(bytes)) << length;
+    }
+}
+
+TEST(ZORBase64, AStrayCharacterMayStandAtAnyPlace) {
+    for (std::size_t length = 0; length < 70; ++length) {
+        Bytes bytes(length);
+        std::iota(bytes.begin(), bytes.end(), std::uint8_t{0xA0});
+        const std::u16string text = ZORBase64::zor_base64EncodedString(bytes);
+        for (const char16_t stray : std::u16string_view(u"=\n-\u0141")) {
+            for (std::size_t at = 0; at < text.size(); ++at) {
+                std::u16string dirty = text;
+                dirty[at] = stray;
+                ASSERT_EQ(ZORBase64::zor_dataFromBase64String(dirty), support::literalDataFromBase64String(dirty));
+            }
+        }
+    }
+}
+
 TEST(ZORBase64, AllocatesTheResultOnly) {
-    const Bytes bytes(10000, 0x5A);
-    const std::u16string text = ZORBase64::zor_base64EncodedString(bytes);
-    const support::AllocationCount allocations;
-    static_cast<void>(ZORBase64::zor_base64EncodedString(bytes));
-    EXPECT_EQ(allocations.count(), 1U);
-    static_cast<void>(ZORBase64::zor_dataFromBase64String(text));
-    EXPECT_EQ(allocations.count(), 2U);
+    for (const std::size_t length : {64U, 10000U}) {
+        const Bytes bytes(length, 0x5A);
+        const std::u16string text = ZORBase64::zor_base64EncodedString(bytes);
+        const support::AllocationCount allocations;
+        static_cast<void>(ZORBase64::zor_base64EncodedString(bytes));
+        EXPECT_EQ(allocations.count(), 1U);
+        static_cast<void>(ZORBase64::zor_dataFromBase64String(text));
+        EXPECT_EQ(allocations.count(), 2U);
+    }
 }
 
 TEST(ZORBase64, DirtyTextsDecodeAsTheRuleReadLiterally) {

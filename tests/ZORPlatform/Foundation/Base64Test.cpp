@@ -62,20 +62,20 @@ void encodesEveryLength(VectorLevel level) {
 }
 
 template <typename Unit>
-void encodesLinesApart(VectorLevel level) {
+void encodesLines(VectorLevel level) {
     const Base64Functions<Unit> functions = base64Functions<Unit>(level);
-    constexpr std::size_t kLines = 3;
     for (std::size_t groups = 1; groups < 70; ++groups) {
-        for (std::size_t gap = 0; gap < 3; ++gap) {
-            const std::size_t stride = 4 * groups + gap;
-            const auto bytes = randomBytes(3 * groups * kLines);
-            const auto in = Exactly<std::uint8_t>::copyOf(bytes);
-            const Exactly<Unit> out(kLines * stride - gap);
-            std::fill_n(out.data.get(), out.size, Unit{'.'});
-            functions.encodeLines(in.data.get(), kLines, groups, out.data.get(), stride);
-            std::string expected = literalText(bytes);
-            for (std::size_t line = kLines; --line != 0;) expected.insert(4 * groups * line, gap, '.');
-            ASSERT_TRUE(std::equal(expected.begin(), expected.end(), out.data.get())) << groups << ' ' << gap;
+        for (const std::basic_string<Unit>& lineBreak : {std::basic_string<Unit>{'\n'}, {'\r', '\n'}}) {
+            for (std::size_t lines = 0; lines < 4; ++lines) {
+                const auto bytes = randomBytes(3 * groups * lines);
+                const auto in = Exactly<std::uint8_t>::copyOf(bytes);
+                const std::string characters = literalText(bytes);
+                std::basic_string<Unit> expected(characters.begin(), characters.end());
+                for (std::size_t line = lines; line != 0; --line) expected.insert(4 * groups * line, lineBreak);
+                const Exactly<Unit> out(expected.size());
+                functions.encodeLines(in.data.get(), lines, groups, lineBreak, out.data.get());
+                ASSERT_TRUE(std::equal(expected.begin(), expected.end(), out.data.get())) << groups << ' ' << lines;
+            }
         }
     }
 }
@@ -170,9 +170,9 @@ TEST_P(Base64AtLevel, EncodesEveryLength) {
     encodesEveryLength<char16_t>(GetParam());
 }
 
-TEST_P(Base64AtLevel, EncodesLinesApart) {
-    encodesLinesApart<char>(GetParam());
-    encodesLinesApart<char16_t>(GetParam());
+TEST_P(Base64AtLevel, EncodesLinesWithBreaks) {
+    encodesLines<char>(GetParam());
+    encodesLines<char16_t>(GetParam());
 }
 
 TEST_P(Base64AtLevel, DecodesEveryLength) {

@@ -43,8 +43,8 @@ TEST_P(HexadecimalAtLevel, WritesTheDigitsOfEveryLength) {
 
 INSTANTIATE_TEST_SUITE_P(Hexadecimal, HexadecimalAtLevel, testing::ValuesIn(support::vectorLevelsOfThisMachine()));
 
-TEST(Hexadecimal, TextsLongerThanAPieceAreWhole) {
-    for (const std::size_t count : {1023U, 1024U, 1025U, 5000U}) {
+TEST(Hexadecimal, TextsOfEveryKindOfLengthAreWhole) {
+    for (const std::size_t count : {0U, 3U, 4U, 16U, 1023U, 1024U, 1025U, 5000U}) {
         const auto bytes = everyByte(count);
         EXPECT_EQ(hexText(bytes, HexDigits::kLowerCase), literal(bytes, u"0123456789abcdef"));
     }
