@@ -40,8 +40,9 @@ const DigestKind& recognizedDigest(ZORHashType type) {
 namespace ZORHash {
 namespace {
 
-// The text's UTF-8 form is made in pieces that stay in the processor's nearest memory.
-constexpr std::size_t kPieceBytes = 4096;
+// The text's UTF-8 form is made in pieces, so short that the processor reads the next one while it digests this one,
+// and whole blocks of every digest as long as the text is ASCII.
+constexpr std::size_t kPieceBytes = 512;
 
 void update(CCDigest& digest, std::u16string_view text) {
     ZORPlatform::WipingScratch<char, kPieceBytes> scratch;

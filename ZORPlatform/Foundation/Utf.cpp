@@ -2,13 +2,11 @@
 #include <ZORPlatform/Foundation/Utf.h>
 
 #include <ZORPlatform/Foundation/Text.h>
+#include <ZORPlatform/Foundation/VectorInstructionsInternal.h>
+#include <ZORPlatform/Foundation/VectorLevel.h>
 
 #include <unicode/ustring.h>
 #include <unicode/utf8.h>
-
-#if defined(__SSE2__)
-#include <emmintrin.h>
-#endif
 
 #include <algorithm>
 #include <cstdint>
@@ -24,7 +22,7 @@ constexpr std::size_t kPieceUnits = std::size_t{1} << 29;
 
 std::size_t asciiPrefix(std::string_view bytes) noexcept {
     std::size_t n = 0;
-#if defined(__SSE2__)
+#if defined(__x86_64__)
     for (; n + 16 <= bytes.size(); n += 16) {
         if (_mm_movemask_epi8(_mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes.data() + n))) != 0) break;
     }
@@ -63,7 +61,7 @@ std::u16string_view firstPiece(std::u16string_view text) noexcept {
 // Copies the ASCII bytes that `bytes` begins with as units.
 std::size_t widenAsciiPrefix(std::string_view bytes, char16_t* units) noexcept {
     std::size_t n = 0;
-#if defined(__SSE2__)
+#if defined(__x86_64__)
     for (; n + 16 <= bytes.size(); n += 16) {
         const __m128i block = _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes.data() + n));
         if (_mm_movemask_epi8(block) != 0) break;
@@ -78,11 +76,40 @@ std::size_t widenAsciiPrefix(std::string_view bytes, char16_t* units) noexcept {
     return n;
 }
 
+#if defined(__x86_64__)
+
+constexpr std::size_t kBlockUnits = 64;
+
+// Copies blocks of ASCII units as bytes, up to the first block that holds anything else. @return the number of units
+[[gnu::target("avx2")]] std::size_t copyAsciiBlocksAVX2(const char16_t* text, std::size_t units, char* bytes) noexcept {
+    const __m256i above = _mm256_set1_epi16(static_cast<short>(0xFF80));
+    std::size_t n = 0;
+    for (; n + kBlockUnits <= units; n += kBlockUnits) {
+        const auto* in = reinterpret_cast<const __m256i*>(text + n);
+        const __m256i first = _mm256_loadu_si256(in);
+        const __m256i second = _mm256_loadu_si256(in + 1);
+        const __m256i third = _mm256_loadu_si256(in + 2);
+        const __m256i fourth = _mm256_loadu_si256(in + 3);
+        const __m256i all = _mm256_or_si256(_mm256_or_si256(first, second), _mm256_or_si256(third, fourth));
+        if (_mm256_testz_si256(all, above) == 0) break;
+        auto* const out = reinterpret_cast<__m256i*>(bytes + n);
+        _mm256_storeu_si256(out, _mm256_permute4x64_epi64(_mm256_packus_epi16(first, second), 0xD8));
+        _mm256_storeu_si256(out + 1, _mm256_permute4x64_epi64(_mm256_packus_epi16(third, fourth), 0xD8));
+    }
+    _mm256_zeroupper();
+    return n;
+}
+
+#endif
+
 // Copies the ASCII units that `text` begins with, at most `room`, as bytes.
 std::size_t copyAsciiPrefix(std::u16string_view text, char* bytes, std::size_t room) noexcept {
     const std::size_t limit = std::min(text.size(), room);
     std::size_t n = 0;
-#if defined(__SSE2__)
+#if defined(__x86_64__)
+    if (limit >= kBlockUnits && machineVectorLevel() >= VectorLevel::kAVX2) {
+        n = copyAsciiBlocksAVX2(text.data(), limit, bytes);
+    }
     const __m128i above = _mm_set1_epi16(static_cast<short>(0xFF80));
     for (; n + 16 <= limit; n += 16) {
         const auto* units = reinterpret_cast<const __m128i*>(text.data() + n);

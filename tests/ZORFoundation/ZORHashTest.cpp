@@ -1,13 +1,17 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <ZORFoundation/ZORHash.h>
 
+#include <ZORPlatform/CommonCrypto/CommonDigest.h>
 #include <ZORPlatform/Foundation/NSException.h>
+#include <ZORPlatform/Foundation/Utf.h>
 
 #include <gtest/gtest.h>
 
 #include <support/AllocationCount.h>
 
+#include <array>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace ZORFoundation {
@@ -68,6 +72,43 @@ TEST(ZORHash, DigestsTheUtf8Form) {
 TEST(ZORHash, LongTextsAreDigestedWhole) {
     EXPECT_EQ(ZORHash::zor_hash(std::u16string(1'000'000, u'a'), ZORHashType::SHA1),
               u"34aa973cd4c4daa4f61eeb2bdbad27316534016f");
+}
+
+// The whole UTF-8 form at once.
+std::u16string sha256OfUtf8(std::u16string_view text) {
+    const std::string bytes = ZORPlatform::utf8(text);
+    std::array<std::uint8_t, ZORPlatform::CC_SHA256_DIGEST_LENGTH> digest{};
+    ZORPlatform::CC_SHA256({reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size()}, digest);
+    return ZORHash::hexDigest(digest);
+}
+
+TEST(ZORHash, TextsOfEveryLengthAreDigestedAsTheirWholeUtf8Form) {
+    for (std::size_t length = 0; length < 1200; ++length) {
+        const std::u16string text(length, u'a');
+        ASSERT_EQ(ZORHash::zor_sha256(text), sha256OfUtf8(text)) << length;
+    }
+}
+
+TEST(ZORHash, CharactersOfSeveralBytesMayStandAtAnyPlace) {
+    const std::u16string lone(1, char16_t{0xD83D});
+    for (const std::u16string_view character : {std::u16string_view(u"\u00E9"), std::u16string_view(u"\u20AC"),
+                                                std::u16string_view(u"\U0001F600"), std::u16string_view(lone)}) {
+        for (std::size_t before = 0; before < 1100; ++before) {
+            std::u16string text(before, u'a');
+            text += character;
+            text += u"bcd";
+            text += character;
+            text.append(600, u'e');
+            ASSERT_EQ(ZORHash::zor_sha256(text), sha256OfUtf8(text)) << before;
+        }
+    }
+}
+
+TEST(ZORHash, TheFirstZeroUnitMayStandAtAnyPlace) {
+    for (std::size_t before = 0; before < 1100; ++before) {
+        const std::u16string text(before, u'a');
+        ASSERT_EQ(ZORHash::zor_md5(text + std::u16string(1, u'\0') + u"b"), ZORHash::zor_md5(text)) << before;
+    }
 }
 
 TEST(ZORHash, HexDigestIsLowerCase) {

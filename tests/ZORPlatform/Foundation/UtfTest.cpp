@@ -138,6 +138,36 @@ TEST(Utf8Prefix, PiecesOfAnySizeJoinToTheWholeConversion) {
     for (const std::size_t room : {4U, 5U, 7U, 16U, 31U, 64U, 4096U}) EXPECT_EQ(inPieces(text, room), utf8(text));
 }
 
+TEST(Utf8Prefix, FindsWhatIsNoAsciiAtAnyPlace) {
+    for (std::size_t size = 1; size < 200; ++size) {
+        for (std::size_t at = 0; at < size; ++at) {
+            for (const unsigned unit : {0x80U, 0x0161U, 0x7FFFU, 0x8041U, 0xD83DU, 0xFF41U}) {
+                // Exactly sized, so that a read or write beyond it is seen.
+                std::vector<char16_t> text(size, u'x');
+                text[at] = static_cast<char16_t>(unit);
+                const std::string expected = std::string(at, 'x') +
+                                             utf8(std::u16string(1, static_cast<char16_t>(unit))) +
+                                             std::string(size - at - 1, 'x');
+                std::vector<char> buffer(expected.size());
+                const Utf8Prefix step = utf8Prefix({text.data(), size}, buffer);
+                ASSERT_EQ(step.units, size) << at;
+                ASSERT_EQ(std::string(buffer.begin(), buffer.end()), expected) << at;
+            }
+        }
+    }
+}
+
+TEST(Utf8Prefix, FillsTheBufferAndNoMoreAtEverySize) {
+    const std::u16string text(300, u'x');
+    for (std::size_t room = 0; room < 200; ++room) {
+        std::vector<char> buffer(room, '.');
+        const Utf8Prefix step = utf8Prefix(text, buffer);
+        ASSERT_EQ(step.units, room);
+        ASSERT_EQ(step.bytes, room);
+        ASSERT_EQ(std::string(buffer.begin(), buffer.end()), std::string(room, 'x'));
+    }
+}
+
 TEST(Utf8Prefix, EveryScalarIsWrittenAsTheWholeConversionWritesIt) {
     for (char32_t scalar = 0; scalar < 0x110000; ++scalar) {
         std::u16string text;
