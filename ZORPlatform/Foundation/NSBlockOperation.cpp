@@ -5,6 +5,7 @@
 #include <ZORPlatform/Dispatch/DispatchQueue.h>
 #include <ZORPlatform/Foundation/NSException.h>
 #include <ZORPlatform/Foundation/Precondition.h>
+#include <ZORPlatform/Foundation/RecyclingAllocatorInternal.h>
 
 #include <mutex>
 #include <utility>
@@ -16,6 +17,10 @@ NSBlockOperation::NSBlockOperation(DispatchWork block) : firstBlock_(std::move(b
 }
 
 NSBlockOperation::~NSBlockOperation() = default;
+
+std::shared_ptr<NSBlockOperation> NSBlockOperation::make(DispatchWork block) {
+    return std::allocate_shared<NSBlockOperation>(RecyclingAllocator<NSBlockOperation>(), std::move(block));
+}
 
 void NSBlockOperation::addExecutionBlock(DispatchWork block) {
     if (!block) preconditionFailure("NSBlockOperation addExecutionBlock: the block must not be empty");

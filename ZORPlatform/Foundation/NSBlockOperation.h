@@ -32,7 +32,7 @@ public:
     template <std::derived_from<NSBlockOperation> Operation = NSBlockOperation>
     [[nodiscard]] static std::shared_ptr<Operation> blockOperationWithBlock(DispatchWork block) {
         if constexpr (std::same_as<Operation, NSBlockOperation>) {
-            return std::make_shared<NSBlockOperation>(std::move(block));
+            return make(std::move(block));
         } else {
             auto operation = std::make_shared<Operation>();
             operation->addExecutionBlock(std::move(block));
@@ -51,6 +51,8 @@ public:
 
     // The public part ends here.
 private:
+    [[nodiscard]] static std::shared_ptr<NSBlockOperation> make(DispatchWork block);
+
     void releaseWork() noexcept override;
 
     [[nodiscard]] bool close() noexcept;
