@@ -44,6 +44,14 @@ public:
         return taken;
     }
 
+    /// Takes all works of `others`, and may leave it some room in return.
+    void append(WorkList& others) noexcept {
+        if (isEmpty()) return swap(others);
+        if (others.isEmpty()) return;
+        last_->next = std::exchange(others.first_, nullptr);
+        last_ = std::exchange(others.last_, nullptr);
+    }
+
     void swap(WorkList& other) noexcept {
         std::swap(first_, other.first_);
         std::swap(last_, other.last_);

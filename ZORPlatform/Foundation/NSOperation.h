@@ -35,6 +35,7 @@
 
 namespace ZORPlatform {
 
+class OperationList;
 class OperationQueueCore;
 class ReadyOperations;
 
@@ -123,6 +124,7 @@ public:
 
     // The public part ends here.
 private:
+    friend class OperationList;
     friend class OperationQueueCore;
     friend class ReadyOperations;
 
@@ -177,8 +179,6 @@ private:
     std::shared_ptr<NSOperation> retained_;
     NSOperation* previous_ = nullptr;
     NSOperation* next_ = nullptr;
-    NSOperation* previousReady_ = nullptr;
-    NSOperation* nextReady_ = nullptr;
     std::uint64_t order_ = 0;
     Place place_ = Place::none;
     std::uint8_t readyLane_ = 0;

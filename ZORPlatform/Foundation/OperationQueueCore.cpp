@@ -27,44 +27,116 @@ std::uint8_t lane(NSOperationQueuePriority priority) noexcept {
 
 }  // namespace
 
+void OperationList::append(NSOperation& operation) noexcept {
+    operation.previous_ = last_;
+    (last_ == nullptr ? first_ : last_->next_) = &operation;
+    last_ = &operation;
+}
+
+void OperationList::append(OperationList& others) noexcept {
+    if (others.first_ == nullptr) return;
+    others.first_->previous_ = last_;
+    (last_ == nullptr ? first_ : last_->next_) = others.first_;
+    last_ = others.last_;
+    others.first_ = others.last_ = nullptr;
+}
+
+void OperationList::remove(NSOperation& operation) noexcept {
+    (operation.previous_ == nullptr ? first_ : operation.previous_->next_) = operation.next_;
+    (operation.next_ == nullptr ? last_ : operation.next_->previous_) = operation.previous_;
+    operation.previous_ = operation.next_ = nullptr;
+}
+
+void OperationList::addTo(std::vector<NSOperation*>& operations) const {
+    for (NSOperation* operation = first_; operation != nullptr; operation = operation->next_) {
+        operations.push_back(operation);
+    }
+}
+
 bool ReadyOperations::isLater(const NSOperation* left, const NSOperation* right) noexcept {
     return left->order_ > right->order_;
 }
 
 NSOperation* ReadyOperations::first() const noexcept {
-    if (late_.empty()) return head_;
-    return head_ == nullptr || isLater(head_, late_.front()) ? late_.front() : head_;
+    NSOperation* const first = inOrder_.first();
+    if (late_.empty()) return first;
+    return first == nullptr || isLater(first, late_.front()) ? late_.front() : first;
 }
 
 void ReadyOperations::insert(NSOperation& operation) {
-    if (tail_ != nullptr && isLater(tail_, &operation)) {
-        late_.push_back(&operation);
-        std::push_heap(late_.begin(), late_.end(), isLater);
-        return;
-    }
-    operation.previousReady_ = tail_;
-    (tail_ == nullptr ? head_ : tail_->nextReady_) = &operation;
-    tail_ = &operation;
+    if (inOrder_.last() == nullptr || isLater(&operation, inOrder_.last())) return inOrder_.append(operation);
+    late_.push_back(&operation);
+    std::push_heap(late_.begin(), late_.end(), isLater);
 }
 
 void ReadyOperations::remove(NSOperation& operation) noexcept {
     if (!late_.empty() && late_.front() == &operation) {
         std::pop_heap(late_.begin(), late_.end(), isLater);
         late_.pop_back();
-        return;
-    }
-    if (head_ != &operation && operation.previousReady_ == nullptr) {
+    } else if (inOrder_.first() != &operation && operation.previous_ == nullptr) {
         // In the middle of the heap: it finished without having been started.
         late_.erase(std::find(late_.begin(), late_.end(), &operation));
         std::make_heap(late_.begin(), late_.end(), isLater);
-        return;
+    } else {
+        inOrder_.remove(operation);
     }
-    (operation.previousReady_ == nullptr ? head_ : operation.previousReady_->nextReady_) = operation.nextReady_;
-    (operation.nextReady_ == nullptr ? tail_ : operation.nextReady_->previousReady_) = operation.previousReady_;
-    operation.previousReady_ = operation.nextReady_ = nullptr;
 }
 
-constinit thread_local OperationQueueCore::Starting OperationQueueCore::starting_{};
+void ReadyOperations::addTo(std::vector<NSOperation*>& operations) const {
+    inOrder_.addTo(operations);
+    operations.insert(operations.end(), late_.begin(), late_.end());
+}
+
+constinit thread_local OperationQueueCore::Turn* OperationQueueCore::turn_ = nullptr;
+
+/// Runs `change` under both locks, with everything brought in, and sees to what follows from it.
+template <class Change>
+void OperationQueueCore::change(Change change) {
+    // Destroyed after the locks: this may be the last that holds the core.
+    std::shared_ptr<OperationQueueCore> self;
+    bool submits = false;
+    {
+        const std::scoped_lock lock(lock_);
+        const std::scoped_lock intakeLock(intake_.lock);
+        bringIn();
+        change();
+        submits = settle(self);
+    }
+    if (submits) DispatchPool::submit(*this);
+}
+
+/// With both locks.
+void OperationQueueCore::bringIn() noexcept {
+    const std::size_t count = intake_.count.load(std::memory_order_relaxed);
+    if (count == 0) return;
+    intake_.count.store(0, std::memory_order_relaxed);
+    if (intake_.blockCount > 0) {
+        blocks_.append(intake_.blocks);
+        waitingBlocks_ += intake_.blockCount;
+        hiddenBlocks_ += std::exchange(intake_.blockCount, 0);
+        lastBlockOrder_ = intake_.lastBlockOrder;
+    }
+    lanes_[kNormalLane].append(intake_.operations);
+    count_ += count;
+    changeReadyCount(static_cast<std::ptrdiff_t>(count));
+}
+
+/// With both locks, at the end of a change: who comes next, and who is to call for that.
+///
+/// @param self  gets what held the core, once there is no more reason to
+/// @return whether the pool is to be asked for a turn, which the caller then does without the locks
+bool OperationQueueCore::settle(std::shared_ptr<OperationQueueCore>& self) noexcept {
+    const bool submits = takesTurn();
+    if (count_ > 0) {
+        if (self_ == nullptr) self_ = shared_from_this();
+    } else if (!isTurnDue_) {
+        self = std::move(self_);
+    }
+    intake_.takesBlocks = count_ == hiddenBlocks_;
+    // Without room, whoever makes some looks at the queue.
+    intake_.needsCall = self_ == nullptr || !(isTurnDue_ || lookingOut_ > 0 || !hasRoom());
+    return submits;
+}
 
 void OperationQueueCore::add(std::shared_ptr<NSOperation> operation) {
     beginAdding(*operation);
@@ -82,52 +154,79 @@ void OperationQueueCore::beginAdding(NSOperation& operation) {
     operation.joinsReady_ = operation.isReady();
 }
 
+/// With the lock under which the operation is retained. @return false when it has finished in the meantime
+bool OperationQueueCore::joins(NSOperation& operation) noexcept {
+    auto membership = NSOperation::Membership::joining;
+    return operation.membership_.compare_exchange_strong(membership, NSOperation::Membership::joined);
+}
+
 void OperationQueueCore::finishAdding(std::span<std::shared_ptr<NSOperation>> operations) {
-    bool submits = false;
-    {
-        const std::scoped_lock lock(lock_);
-        bool areSomeReady = false;
+    if (addsQuietly(operations)) return;
+    change([&] {
         for (std::shared_ptr<NSOperation>& operation : operations) {
+            if (operation == nullptr || !joins(*operation)) continue;
             NSOperation& added = *operation;
             const bool isReady = added.joinsReady_;
             // One that is ready may be over, and one that waits may be gone, as soon as the queue has it.
-            link(isReady ? std::move(operation) : operation);
-            auto membership = NSOperation::Membership::joining;
-            if (!added.membership_.compare_exchange_strong(membership, NSOperation::Membership::joined)) {
-                // It has finished in the meantime and left the rest to be done here.
-                operation = unlink(added);
-                if (count_ == 0 && !isTurnDue_) self_.reset();
-            } else if (isReady) {
+            retain(isReady ? std::move(operation) : operation, ++intake_.lastOrder);
+            ++count_;
+            if (isReady) {
                 enterReady(added);
-                areSomeReady = true;
+            } else {
+                added.place_ = NSOperation::Place::waiting;
+                waiting_.append(added);
             }
         }
-        submits = areSomeReady && takesTurn();
-    }
-    if (submits) DispatchPool::submit(*this);
+    });
     for (const std::shared_ptr<NSOperation>& operation : operations) {
         if (operation != nullptr && operation->isReady()) makeReady(*operation);
     }
 }
 
+/// Puts operations in the intake, if they may all go there, and takes their handles. @return false when the queue is to
+/// be told of what is in the intake, or of operations that are left
+bool OperationQueueCore::addsQuietly(std::span<std::shared_ptr<NSOperation>> operations) noexcept {
+    const auto isPlain = [](const std::shared_ptr<NSOperation>& operation) {
+        return operation->joinsReady_ && lane(operation->queuePriority()) == kNormalLane;
+    };
+    if (!std::all_of(operations.begin(), operations.end(), isPlain)) return false;
+    const std::scoped_lock lock(intake_.lock);
+    std::size_t count = 0;
+    for (std::shared_ptr<NSOperation>& operation : operations) {
+        NSOperation& added = *operation;
+        // Complete before it joins: who then hears that it is ready looks at its place under the other lock.
+        retain(std::move(operation), ++intake_.lastOrder);
+        added.readyLane_ = kNormalLane;
+        added.place_ = NSOperation::Place::ready;
+        if (!joins(added)) {
+            added.place_ = NSOperation::Place::none;
+            operation = std::move(added.retained_);
+            continue;
+        }
+        intake_.operations.append(added);
+        ++count;
+    }
+    intake_.takesBlocks = intake_.takesBlocks && count == 0;
+    intake_.count.store(intake_.count.load(std::memory_order_relaxed) + count, std::memory_order_relaxed);
+    return !intake_.needsCall;
+}
+
 bool OperationQueueCore::hasObservers(const NSOperation& operation) noexcept { return operation.isObserved(); }
 
 void OperationQueueCore::addBlock(DispatchWork block) {
-    std::unique_lock lock(lock_);
-    if (first_ != nullptr) {
-        lock.unlock();
-        return add(NSBlockOperation::blockOperationWithBlock(std::move(block)));
+    {
+        std::unique_lock lock(intake_.lock);
+        if (!intake_.takesBlocks) {
+            lock.unlock();
+            return add(NSBlockOperation::blockOperationWithBlock(std::move(block)));
+        }
+        intake_.blocks.append(std::move(block));
+        ++intake_.blockCount;
+        intake_.count.store(intake_.count.load(std::memory_order_relaxed) + 1, std::memory_order_relaxed);
+        intake_.lastBlockOrder = ++intake_.lastOrder;
+        if (!intake_.needsCall) return;
     }
-    blocks_.append(std::move(block));
-    if (self_ == nullptr) self_ = shared_from_this();
-    ++waitingBlocks_;
-    ++hiddenBlocks_;
-    changeReadyCount(1);
-    ++count_;
-    lastBlockOrder_ = ++lastOrder_;
-    const bool submits = takesTurn();
-    lock.unlock();
-    if (submits) DispatchPool::submit(*this);
+    change([] {});
 }
 
 void OperationQueueCore::becameReady(NSOperation& operation) {
@@ -138,69 +237,75 @@ void OperationQueueCore::becameReady(NSOperation& operation) {
         // While joining, the queue looks at the property itself.
         if (operation.membership_ != NSOperation::Membership::joined) return;
         core = operation.queue_;
-        if (core != starting_.core) kept = core->shared_from_this();
+        if (turn_ == nullptr || core != turn_->core) kept = core->shared_from_this();
     }
     core->makeReady(operation);
 }
 
 void OperationQueueCore::willReturnFromStart(const NSOperation& operation) noexcept {
-    if (starting_.operation == &operation) starting_.willReturn = true;
+    if (turn_ != nullptr && turn_->operation == &operation) turn_->willReturn = true;
 }
 
 bool OperationQueueCore::isRemovedByTurn(const NSOperation& operation) noexcept {
-    if (starting_.operation == &operation && starting_.willReturn) starting_.isConcluded = true;
-    return starting_.operation == &operation && starting_.isConcluded;
+    if (turn_ == nullptr || turn_->operation != &operation) return false;
+    turn_->isConcluded = turn_->isConcluded || turn_->willReturn;
+    return turn_->isConcluded;
 }
 
 std::shared_ptr<NSOperation> OperationQueueCore::remove(NSOperation& operation) {
-    // Destroyed after the lock: this may be the last that holds the core.
-    std::shared_ptr<OperationQueueCore> self;
     std::shared_ptr<NSOperation> retained;
-    bool submits = false;
-    {
-        const std::scoped_lock lock(lock_);
-        retained = unlink(operation);
-        submits = takesTurn();
-        if (count_ == 0 && !isTurnDue_) self = std::move(self_);
-    }
-    if (submits) DispatchPool::submit(*this);
+    change([&] {
+        unlink(operation);
+        if (!operation.isBeingStarted_) retained = std::move(operation.retained_);
+    });
     return retained;
 }
 
 void OperationQueueCore::makeReady(NSOperation& operation) {
     bool submits = false;
     {
+        // What is in the intake does not matter: it does not wait, and comes later.
         const std::scoped_lock lock(lock_);
         if (operation.place_ != NSOperation::Place::waiting) return;
+        waiting_.remove(operation);
         enterReady(operation);
-        // A worker that is about to return from a `start` of this queue takes one itself.
-        const std::size_t taken = starting_.core == this && starting_.isConcluded ? 1 : 0;
-        submits = readyCount() > taken && takesTurn();
+        submits = takesTurn();
     }
     if (submits) DispatchPool::submit(*this);
 }
 
 std::vector<std::shared_ptr<NSOperation>> OperationQueueCore::operations() {
     const std::scoped_lock lock(lock_);
+    const std::scoped_lock intakeLock(intake_.lock);
+    bringIn();
     makeOperationsOfBlocks();
-    std::vector<std::shared_ptr<NSOperation>> operations;
-    operations.reserve(count_);
-    for (const NSOperation* operation = first_; operation != nullptr; operation = operation->next_) {
-        operations.push_back(operation->retained_);
+    std::vector<NSOperation*> found;
+    found.reserve(count_);
+    for (const Turn* turn = firstTurn_; turn != nullptr; turn = turn->next) {
+        NSOperation* const operation = turn->blockOperation != nullptr ? turn->blockOperation.get() : turn->operation;
+        if (operation != nullptr && operation->place_ == NSOperation::Place::started) found.push_back(operation);
     }
+    executing_.addTo(found);
+    for (const ReadyOperations& lane : lanes_) lane.addTo(found);
+    waiting_.addTo(found);
+    std::sort(found.begin(), found.end(),
+              [](const NSOperation* left, const NSOperation* right) { return left->order_ < right->order_; });
+    std::vector<std::shared_ptr<NSOperation>> operations;
+    operations.reserve(found.size());
+    for (const NSOperation* operation : found) operations.push_back(operation->retained_);
     return operations;
 }
 
 std::size_t OperationQueueCore::operationCount() const {
     const std::scoped_lock lock(lock_);
-    return count_;
+    return count_ + intake_.count.load(std::memory_order_relaxed);
 }
 
 void OperationQueueCore::waitUntilAllOperationsAreFinished() {
     int before = 0;
     {
         const std::scoped_lock lock(lock_);
-        if (count_ == 0) return;
+        if (count_ + intake_.count.load(std::memory_order_relaxed) == 0) return;
         before = timesEmptied_;
     }
     const DispatchPool::Blocking blocking;
@@ -213,107 +318,119 @@ int OperationQueueCore::maxConcurrentOperationCount() const {
 }
 
 void OperationQueueCore::setMaxConcurrentOperationCount(int count) {
-    bool submits = false;
-    {
-        const std::scoped_lock lock(lock_);
-        width_ = count;
-        submits = takesTurn();
-    }
-    if (submits) DispatchPool::submit(*this);
+    change([&] { width_ = count; });
 }
 
 void OperationQueueCore::runTurn() noexcept {
-    // Destroyed after the lock: this may be the last that holds the core.
+    Turn turn(this);
+    turn_ = &turn;
     std::shared_ptr<OperationQueueCore> self;
     std::unique_lock lock(lock_);
     isTurnDue_ = false;
     self = self_;
-    bool hasHadShare = false;
-    do {
-        hasHadShare = !startOperations(lock);
-    } while (!hasHadShare && looksOut(lock));
-    const bool submits = hasHadShare && takesTurn();
-    if (count_ == 0 && !isTurnDue_) {
-        blocks_.trim();
-        self_.reset();
-    }
+    turn.next = firstTurn_;
+    if (firstTurn_ != nullptr) firstTurn_->previous = &turn;
+    firstTurn_ = &turn;
+    bool goesOn = true;
+    while (goesOn) goesOn = startOperations(turn, lock) && looksOut(turn, lock);
     lock.unlock();
-    if (submits) DispatchPool::submit(*this);
+    turn_ = nullptr;
+    change([&] {
+        (turn.previous == nullptr ? firstTurn_ : turn.previous->next) = turn.next;
+        if (turn.next != nullptr) turn.next->previous = turn.previous;
+        if (count_ > 0) return;
+        blocks_.trim();
+        intake_.blocks.trim();
+    });
 }
 
 /// Starts operations until none can be started. @return false when other jobs are to be let in before that
-bool OperationQueueCore::startOperations(std::unique_lock<BriefLock>& lock) {
-    // What has ended goes without the lock, when the next has been chosen.
-    std::shared_ptr<NSOperation> over;
+bool OperationQueueCore::startOperations(Turn& turn, std::unique_lock<BriefLock>& lock) {
     std::size_t share = kOperationsInTurn;
-    for (; canStartOne(); --share) {
-        if (share == 0) {
-            if (DispatchPool::hasReadyJobs()) break;
-            share = kOperationsInTurn;
-        }
-        over = isBlockNext() ? runFirstBlock(lock, std::move(over)) : startFirstReady(lock, std::move(over));
-    }
-    if (over != nullptr) {
+    bool submits = false;
+    for (bool settles = true; takesNext(turn, settles, submits); settles = false) {
         lock.unlock();
-        over.reset();
-        lock.lock();
+        turn.over.reset();
+        if (submits) DispatchPool::submit(*this);
+        if (turn.operation == nullptr) {
+            runBlock(turn, lock);
+        } else {
+            start(turn, lock);
+        }
+        if (--share > 0) continue;
+        if (DispatchPool::hasReadyJobs()) return false;
+        share = kOperationsInTurn;
     }
-    return share > 0;
+    return true;
 }
 
-std::shared_ptr<NSOperation> OperationQueueCore::startFirstReady(std::unique_lock<BriefLock>& lock,
-                                                                 std::shared_ptr<NSOperation> over) {
-    NSOperation& operation = takeFirstReady();
-    const bool submits = takesTurn();
-    lock.unlock();
-    over.reset();
-    if (submits) DispatchPool::submit(*this);
-    if (!operation.isReady()) {
-        postpone(operation);
-        lock.lock();
-        return nullptr;
+/// Takes what is to be started next, if anything is.
+///
+/// @param settles  whether more has changed since the queue was settled than that one has ended
+bool OperationQueueCore::takesNext(Turn& turn, bool settles, bool& submits) {
+    const auto take = [&] {
+        if (!canStartOne()) return false;
+        if (isBlockNext()) {
+            takeFirstBlock(turn);
+        } else {
+            takeFirstReady(turn);
+        }
+        return true;
+    };
+    if (!settles && isNextHere() && take()) {
+        submits = takesTurn();
+        return true;
     }
-    starting_ = {this, &operation, false, false};
-    operation.start();
-    return afterStart(operation, lock);
+    // The turn holds the core, too.
+    std::shared_ptr<OperationQueueCore> self;
+    const std::scoped_lock intakeLock(intake_.lock);
+    bringIn();
+    const bool isTaken = take();
+    submits = settle(self);
+    return isTaken;
 }
 
-std::shared_ptr<NSOperation> OperationQueueCore::runFirstBlock(std::unique_lock<BriefLock>& lock,
-                                                               std::shared_ptr<NSOperation> over) {
-    RunningBlock running{blocks_.takeFirst(), nullptr, lastRunning_, nullptr};
-    (lastRunning_ == nullptr ? firstRunning_ : lastRunning_->next) = &running;
-    lastRunning_ = &running;
-    --waitingBlocks_;
-    changeReadyCount(-1);
-    ++running_;
-    const bool submits = takesTurn();
-    lock.unlock();
-    over.reset();
-    if (submits) DispatchPool::submit(*this);
-    running.work();
-    running.work = nullptr;
+/// Takes the lock again, as the next two do.
+void OperationQueueCore::start(Turn& turn, std::unique_lock<BriefLock>& lock) {
+    if (turn.operation->isReady()) {
+        turn.operation->start();
+        afterStart(turn, lock);
+    } else {
+        postpone(turn);
+        lock.lock();
+    }
+}
+
+void OperationQueueCore::runBlock(Turn& turn, std::unique_lock<BriefLock>& lock) {
+    turn.block();
+    turn.block = nullptr;
     lock.lock();
-    (running.previous == nullptr ? firstRunning_ : running.previous->next) = running.next;
-    (running.next == nullptr ? lastRunning_ : running.next->previous) = running.previous;
-    if (running.operation == nullptr) {
+    turn.isInBlock = false;
+    if (turn.blockOperation != nullptr) {
+        turn.operation = turn.blockOperation.get();
+        lock.unlock();
+        turn.operation->announceEnd();
+        afterStart(turn, lock);
+    } else {
         --running_;
         --hiddenBlocks_;
         leaveOne();
-        return nullptr;
     }
-    lock.unlock();
-    starting_ = {this, running.operation.get(), false, false};
-    running.operation->announceEnd();
-    return afterStart(*running.operation, lock);
 }
 
-/// Takes the lock again. @return what retained the operation, if that is over
-std::shared_ptr<NSOperation> OperationQueueCore::afterStart(NSOperation& operation, std::unique_lock<BriefLock>& lock) {
-    const bool isConcluded = std::exchange(starting_, {}).isConcluded;
+void OperationQueueCore::afterStart(Turn& turn, std::unique_lock<BriefLock>& lock) {
     lock.lock();
+    NSOperation& operation = *std::exchange(turn.operation, nullptr);
+    turn.willReturn = false;
+    if (std::exchange(turn.isConcluded, false)) unlink(operation);
     operation.isBeingStarted_ = false;
-    if (isConcluded) return unlink(operation);
-    return operation.place_ == NSOperation::Place::none ? std::move(operation.retained_) : nullptr;
+    if (operation.place_ == NSOperation::Place::none) {
+        turn.over = std::move(operation.retained_);
+    } else {
+        executing_.append(operation);
+    }
+    // Not the last handle.
+    turn.blockOperation.reset();
 }
 
 std::size_t OperationQueueCore::readyCount() const noexcept { return readyCount_.load(std::memory_order_relaxed); }
@@ -322,47 +439,64 @@ void OperationQueueCore::changeReadyCount(std::ptrdiff_t difference) noexcept {
     readyCount_.store(readyCount() + static_cast<std::size_t>(difference), std::memory_order_relaxed);
 }
 
-/// Waits a moment for further operations. @return whether one can be started
-bool OperationQueueCore::looksOut(std::unique_lock<BriefLock>& lock) noexcept {
-    ++lookingOut_;
+/// Waits a moment for further operations. @return whether one may be started
+bool OperationQueueCore::looksOut(Turn& turn, std::unique_lock<BriefLock>& lock) {
+    std::shared_ptr<OperationQueueCore> self;
+    bool submits = false;
+    {
+        const std::scoped_lock intakeLock(intake_.lock);
+        bringIn();
+        ++lookingOut_;
+        submits = settle(self);
+    }
     lock.unlock();
-    for (int look = 0; look < kLooksBeforeRest && readyCount() == 0 && !DispatchPool::hasReadyJobs(); ++look) {
+    turn.over.reset();
+    if (submits) DispatchPool::submit(*this);
+    const auto hasComeIn = [this] { return readyCount() + intake_.count.load(std::memory_order_relaxed) > 0; };
+    for (int look = 0; look < kLooksBeforeRest && !hasComeIn() && !DispatchPool::hasReadyJobs(); ++look) {
         pauseProcessor();
     }
     lock.lock();
     --lookingOut_;
-    return canStartOne();
+    return hasRoom() && hasComeIn();
 }
 
-void OperationQueueCore::link(std::shared_ptr<NSOperation> operation) noexcept {
-    if (self_ == nullptr) self_ = shared_from_this();
-    NSOperation& linked = *operation;
-    linked.previous_ = last_;
-    (last_ == nullptr ? first_ : last_->next_) = &linked;
-    last_ = &linked;
-    ++count_;
-    linked.order_ = ++lastOrder_;
-    linked.place_ = NSOperation::Place::waiting;
-    linked.retained_ = std::move(operation);
+/// Makes an operation the queue's, in no list yet.
+void OperationQueueCore::retain(std::shared_ptr<NSOperation> operation, std::uint64_t order) noexcept {
+    NSOperation& retained = *operation;
+    retained.order_ = order;
+    retained.retained_ = std::move(operation);
 }
 
-std::shared_ptr<NSOperation> OperationQueueCore::unlink(NSOperation& operation) noexcept {
-    if (operation.place_ == NSOperation::Place::started) --running_;
-    if (operation.place_ == NSOperation::Place::ready) {
-        lanes_[operation.readyLane_].remove(operation);
-        changeReadyCount(-1);
+void OperationQueueCore::unlink(NSOperation& operation) noexcept {
+    switch (std::exchange(operation.place_, NSOperation::Place::none)) {
+        case NSOperation::Place::none:
+            return;
+        case NSOperation::Place::waiting:
+            waiting_.remove(operation);
+            break;
+        case NSOperation::Place::ready:
+            lanes_[operation.readyLane_].remove(operation);
+            changeReadyCount(-1);
+            break;
+        case NSOperation::Place::started:
+            --running_;
+            if (!operation.isBeingStarted_) executing_.remove(operation);
+            break;
     }
-    operation.place_ = NSOperation::Place::none;
-    (operation.previous_ == nullptr ? first_ : operation.previous_->next_) = operation.next_;
-    (operation.next_ == nullptr ? last_ : operation.next_->previous_) = operation.previous_;
     leaveOne();
-    return operation.isBeingStarted_ ? nullptr : std::move(operation.retained_);
 }
 
 void OperationQueueCore::leaveOne() noexcept {
-    if (--count_ > 0) return;
+    if (--count_ > 0 || intake_.count.load(std::memory_order_relaxed) > 0) return;
     ++timesEmptied_;
     timesEmptied_.notify_all();
+}
+
+/// Whether the next to start does not depend on what is in the intake.
+bool OperationQueueCore::isNextHere() const noexcept {
+    return waitingBlocks_ > 0 || std::any_of(lanes_.begin(), lanes_.begin() + kNormalLane + 1,
+                                             [](const ReadyOperations& lane) { return lane.first() != nullptr; });
 }
 
 /// Whether the next to start is a block: there is one, and no ready operation of higher priority.
@@ -371,46 +505,46 @@ bool OperationQueueCore::isBlockNext() const noexcept {
                                               [](const ReadyOperations& lane) { return lane.first() != nullptr; });
 }
 
-/// Makes objects of all blocks, in their places before the operations that are objects already.
+/// Makes objects of all blocks.
 void OperationQueueCore::makeOperationsOfBlocks() {
     if (hiddenBlocks_ == 0) return;
     std::vector<std::shared_ptr<NSBlockOperation>> made(hiddenBlocks_);
     for (auto& operation : made) operation = std::make_shared<NSBlockOperation>();
 
-    NSOperation* const firstObject = std::exchange(first_, nullptr);
-    NSOperation* const lastObject = std::exchange(last_, nullptr);
-    const std::uint64_t lastOrder = std::exchange(lastOrder_, lastBlockOrder_ - hiddenBlocks_);
-    count_ -= hiddenBlocks_;
-    changeReadyCount(-static_cast<std::ptrdiff_t>(waitingBlocks_));
     auto next = made.begin();
-    for (RunningBlock* running = firstRunning_; running != nullptr; running = running->next) {
-        if (running->operation != nullptr) continue;
-        running->operation = *next++;
-        NSOperation& operation = *running->operation;
+    for (Turn* turn = firstTurn_; turn != nullptr; turn = turn->next) {
+        if (!turn->isInBlock || turn->blockOperation != nullptr) continue;
+        turn->blockOperation = *next++;
+        NSOperation& operation = *turn->blockOperation;
         operation.joinAsExecuting(*this);
-        link(running->operation);
+        retain(turn->blockOperation, turn->blockOrder);
         operation.place_ = NSOperation::Place::started;
         operation.isBeingStarted_ = true;
     }
+    changeReadyCount(-static_cast<std::ptrdiff_t>(waitingBlocks_));
     for (; next != made.end(); ++next) {
         NSOperation& operation = **next;
         (*next)->addExecutionBlock(blocks_.takeFirst());
         operation.queue_ = this;
         operation.membership_.store(NSOperation::Membership::joined, std::memory_order_release);
-        link(*next);
+        retain(*next, lastBlockOrder_ - --waitingBlocks_);
         enterReady(operation);
     }
-    waitingBlocks_ = hiddenBlocks_ = 0;
-    lastOrder_ = lastOrder;
-    if (firstObject != nullptr) {
-        firstObject->previous_ = last_;
-        last_->next_ = firstObject;
-        last_ = lastObject;
-    }
+    hiddenBlocks_ = 0;
+    intake_.takesBlocks = false;
+}
+
+/// There must be one.
+void OperationQueueCore::takeFirstBlock(Turn& turn) noexcept {
+    turn.block = blocks_.takeFirst();
+    turn.isInBlock = true;
+    turn.blockOrder = lastBlockOrder_ - --waitingBlocks_;
+    changeReadyCount(-1);
+    ++running_;
 }
 
 /// Takes the first ready operation as started. There must be one.
-NSOperation& OperationQueueCore::takeFirstReady() noexcept {
+void OperationQueueCore::takeFirstReady(Turn& turn) noexcept {
     auto lane = lanes_.begin();
     while (lane->first() == nullptr) ++lane;
     NSOperation& operation = *lane->first();
@@ -419,23 +553,24 @@ NSOperation& OperationQueueCore::takeFirstReady() noexcept {
     operation.place_ = NSOperation::Place::started;
     operation.isBeingStarted_ = true;
     ++running_;
-    return operation;
+    turn.operation = &operation;
 }
 
 /// An operation got a further dependency after it had been ready: it goes back to waiting.
-void OperationQueueCore::postpone(NSOperation& operation) {
+void OperationQueueCore::postpone(Turn& turn) {
     std::shared_ptr<NSOperation> kept;
-    {
-        const std::scoped_lock lock(lock_);
+    change([&] {
+        NSOperation& operation = *std::exchange(turn.operation, nullptr);
         operation.isBeingStarted_ = false;
         if (operation.place_ != NSOperation::Place::started) {
             kept = std::move(operation.retained_);
             return;
         }
         operation.place_ = NSOperation::Place::waiting;
+        waiting_.append(operation);
         --running_;
         kept = operation.retained_;
-    }
+    });
     if (kept->isReady()) makeReady(*kept);
 }
 
@@ -446,13 +581,17 @@ void OperationQueueCore::enterReady(NSOperation& operation) {
     changeReadyCount(1);
 }
 
-bool OperationQueueCore::canStartOne() const noexcept {
-    return readyCount() > 0 && running_ < (width_ < 0 ? kChosenWidth : static_cast<std::size_t>(width_));
+bool OperationQueueCore::hasRoom() const noexcept {
+    return running_ < (width_ < 0 ? kChosenWidth : static_cast<std::size_t>(width_));
 }
 
-/// Whether the pool is to be asked for a turn, which the caller then does without the lock.
+bool OperationQueueCore::canStartOne() const noexcept { return readyCount() > 0 && hasRoom(); }
+
+/// Whether the pool is to be asked for a turn.
 bool OperationQueueCore::takesTurn() noexcept {
-    if (isTurnDue_ || !canStartOne() || readyCount() <= lookingOut_) return false;
+    // A worker that is about to return from a `start` of this queue takes one itself.
+    const std::size_t expected = lookingOut_ + (turn_ != nullptr && turn_->core == this && turn_->isConcluded ? 1 : 0);
+    if (isTurnDue_ || !canStartOne() || readyCount() <= expected) return false;
     isTurnDue_ = true;
     return true;
 }

@@ -85,6 +85,28 @@ TEST(WorkList, KeepsLittleRoomWhenTrimmedAndIsUsableAfterwards) {
     EXPECT_EQ(runs, 10'001);
 }
 
+TEST(WorkList, TakesTheWorksOfAnotherBehindItsOwn) {
+    std::vector<int> ran;
+    std::vector<int> expected;
+    int appended = 0;
+    WorkList list;
+    WorkList others;
+    list.append(others);
+    EXPECT_TRUE(list.isEmpty());
+    // None, few and many at a time, behind none, few and many.
+    for (const int count : {3, 0, 1'000, 1, 0, 40}) {
+        for (int i = 0; i < count; ++i) others.append([&ran, number = appended++] { ran.push_back(number); });
+        list.append(others);
+        EXPECT_TRUE(others.isEmpty());
+        if (count > 100) {
+            while (!list.isEmpty()) list.runFirst();
+        }
+    }
+    while (!list.isEmpty()) list.runFirst();
+    for (int number = 0; number < appended; ++number) expected.push_back(number);
+    EXPECT_EQ(ran, expected);
+}
+
 TEST(WorkList, SwapsItsWorksWithAnother) {
     WorkList first;
     WorkList second;

@@ -10,9 +10,11 @@
 #include <support/AllocationCount.h>
 #include <support/NotificationLog.h>
 #include <support/SmallStack.h>
+#include <support/ThreadRest.h>
 
 #include <algorithm>
 #include <atomic>
+#include <chrono>
 #include <latch>
 #include <memory>
 #include <mutex>
@@ -71,6 +73,25 @@ NSOperationQueue queueOfWidth(int width) {
     queue.setMaxConcurrentOperationCount(width);
     return queue;
 }
+
+/// Keeps the worker of a queue of width 1 busy until told otherwise.
+class BusyWorker {
+public:
+    explicit BusyWorker(const NSOperationQueue& queue) {
+        queue.addOperation(operation_);
+        hasBegun_.wait();
+    }
+    void letGo() { mayEnd_.count_down(); }
+    [[nodiscard]] const std::shared_ptr<NSOperation>& operation() const { return operation_; }
+
+private:
+    std::latch hasBegun_{1};
+    std::latch mayEnd_{1};
+    std::shared_ptr<NSOperation> operation_ = block([this] {
+        hasBegun_.count_down();
+        mayEnd_.wait();
+    });
+};
 
 TEST(NSOperationQueue, RunsOperationsInTheOrderOfAddingWhenOneRunsAtATime) {
     RunOrder order;
@@ -323,7 +344,10 @@ TEST(NSOperationQueue, DoesNotStartAnOperationThatFinishedWhileItWasReady) {
 TEST(NSOperationQueue, HoldsItsPlaceForAnAsynchronousOperationUntilThatAnnouncesTheEnd) {
     class Asynchronous : public NSOperation {
     public:
-        void start() override { isExecuting_ = true; }
+        void start() override {
+            starter_.entersHere();
+            isExecuting_ = true;
+        }
         [[nodiscard]] bool isAsynchronous() const override { return true; }
         [[nodiscard]] bool isExecuting() const override { return isExecuting_; }
         [[nodiscard]] bool isFinished() const override { return isFinished_; }
@@ -332,8 +356,10 @@ TEST(NSOperationQueue, HoldsItsPlaceForAnAsynchronousOperationUntilThatAnnounces
             isFinished_ = true;
             didChangeValueForKey(kFinishedKey);
         }
+        [[nodiscard]] const support::ThreadRest& starter() const { return starter_; }
 
     private:
+        support::ThreadRest starter_;
         std::atomic<bool> isExecuting_{false};
         std::atomic<bool> isFinished_{false};
     };
@@ -343,6 +369,8 @@ TEST(NSOperationQueue, HoldsItsPlaceForAnAsynchronousOperationUntilThatAnnounces
     queue.addOperation(asynchronous);
     queue.addOperation(order.operation(1));
     while (!asynchronous->isExecuting()) std::this_thread::yield();
+    // Nor does the worker go round and round until there is room.
+    asynchronous->starter().waitUntilItSleepsOrHasEnded();
     EXPECT_THAT(order.numbers(), IsEmpty());
     asynchronous->complete();
     queue.waitUntilAllOperationsAreFinished();
@@ -414,6 +442,140 @@ TEST(NSOperationQueue, StartsBlocksAmongOperationsByPriorityAndInTheOrderOfAddin
     queue.setMaxConcurrentOperationCount(1);
     queue.waitUntilAllOperationsAreFinished();
     EXPECT_THAT(order.numbers(), ElementsAre(4, 1, 2, 3, 5, 6));
+}
+
+TEST(NSOperationQueue, StartsByPriorityWhatWasAddedWhileAnotherOperationExecutes) {
+    RunOrder order;
+    const auto queue = queueOfWidth(1);
+    BusyWorker busy(queue);
+    const auto add = [&](int number, NSOperationQueuePriority priority) {
+        const auto operation = order.operation(number);
+        operation->setQueuePriority(priority);
+        queue.addOperation(operation);
+    };
+    add(1, NSOperationQueuePriority::low);
+    add(2, NSOperationQueuePriority::normal);
+    add(3, NSOperationQueuePriority::normal);
+    add(4, NSOperationQueuePriority::veryHigh);
+    const auto fifth = order.operation(5);
+    const auto sixth = order.operation(6);
+    fifth->addDependency(sixth);
+    queue.addOperation(fifth);
+    // What it is set to after the operation became ready does not count.
+    queue.addOperation(sixth);
+    sixth->setQueuePriority(NSOperationQueuePriority::veryHigh);
+    queue.addOperationWithBlock([&order] { order.note(7); });
+    // One that runs adds others.
+    const auto eighth = block([&] {
+        order.note(8);
+        add(9, NSOperationQueuePriority::normal);
+        add(10, NSOperationQueuePriority::high);
+    });
+    eighth->setQueuePriority(NSOperationQueuePriority::high);
+    queue.addOperation(eighth);
+    busy.letGo();
+    queue.waitUntilAllOperationsAreFinished();
+    EXPECT_THAT(order.numbers(), ElementsAre(4, 8, 10, 2, 3, 6, 5, 7, 9, 1));
+}
+
+TEST(NSOperationQueue, CountsCancelsAndDropsWhatWasAddedWhileAnotherOperationExecutes) {
+    RunOrder order;
+    const auto queue = queueOfWidth(1);
+    BusyWorker busy(queue);
+    std::vector<std::shared_ptr<NSOperation>> added{busy.operation()};
+    for (int number = 1; number <= 4; ++number) {
+        added.push_back(order.operation(number));
+        queue.addOperation(added.back());
+        EXPECT_EQ(queue.operationCount(), added.size());
+    }
+    EXPECT_EQ(queue.operations(), added);
+    added.push_back(order.operation(5));
+    queue.addOperation(added.back());
+    expectRefused(queue, added.back());
+    // Finished by somebody else, it leaves the queue from the middle and from the end.
+    added[2]->start();
+    added[5]->start();
+    EXPECT_EQ(queue.operationCount(), 4U);
+    added[3]->cancel();
+    EXPECT_THAT(queue.operations(), ElementsAre(added[0], added[1], added[3], added[4]));
+    busy.letGo();
+    queue.waitUntilAllOperationsAreFinished();
+    EXPECT_THAT(order.numbers(), ElementsAre(2, 5, 1, 4));
+    EXPECT_TRUE(added[3]->isFinished());
+    EXPECT_EQ(queue.operationCount(), 0U);
+}
+
+TEST(NSOperationQueue, HandsOutBlocksThatWereAddedWhileAnotherBlockRuns) {
+    RunOrder order;
+    const auto queue = queueOfWidth(1);
+    std::latch hasBegun(1);
+    std::latch mayEnd(1);
+    queue.addOperationWithBlock([&] {
+        hasBegun.count_down();
+        mayEnd.wait();
+        order.note(0);
+    });
+    hasBegun.wait();
+    queue.addOperationWithBlock([&order] { order.note(1); });
+    const auto second = order.operation(2);
+    queue.addOperation(second);
+    queue.addOperationWithBlock([&order] { order.note(3); });
+    EXPECT_EQ(queue.operationCount(), 4U);
+    const auto operations = queue.operations();
+    ASSERT_EQ(operations.size(), 4U);
+    EXPECT_TRUE(operations[0]->isExecuting());
+    EXPECT_EQ(operations[2], second);
+    operations[3]->cancel();
+    queue.addOperationWithBlock([&order] { order.note(4); });
+    mayEnd.count_down();
+    queue.waitUntilAllOperationsAreFinished();
+    EXPECT_THAT(order.numbers(), ElementsAre(0, 1, 2, 4));
+}
+
+TEST(NSOperationQueue, StartsAnOperationBesideOneThatWaitsForIt) {
+    const auto queue = queueOfWidth(2);
+    for (int round = 0; round < 2'000; ++round) {
+        std::latch hasBegun(1);
+        std::latch hasMet(2);
+        queue.addOperationWithBlock([&] {
+            hasBegun.count_down();
+            hasMet.arrive_and_wait();
+        });
+        // Sometimes before the other has begun, sometimes when its worker is alone, sometimes when one more looks out.
+        if (round % 3 != 0) hasBegun.wait();
+        if (round % 3 == 2) std::this_thread::sleep_for(std::chrono::microseconds(50));
+        if (round % 2 == 0) {
+            queue.addOperation(block([&] { hasMet.arrive_and_wait(); }));
+        } else {
+            queue.addOperationWithBlock([&] { hasMet.arrive_and_wait(); });
+        }
+        queue.waitUntilAllOperationsAreFinished();
+    }
+}
+
+TEST(NSOperationQueue, StartsEachOperationThoughTheLastHasJustEnded) {
+    for (const int width : {1, 2, -1}) {
+        std::atomic<int> runs{0};
+        const auto run = [&runs] {
+            ++runs;
+            runs.notify_one();
+        };
+        const auto queue = queueOfWidth(width);
+        for (int round = 0; round < 20'000; ++round) {
+            // The worker of the last one may still be in it, look out for another, be about to rest or be at rest.
+            if (round % 2 == 0) {
+                const auto operation = block(run);
+                queue.addOperation(operation);
+                if (round % 4 == 0) operation->waitUntilFinished();
+            } else {
+                queue.addOperationWithBlock(run);
+            }
+            runs.wait(round);
+            if (round % 5 == 0) queue.waitUntilAllOperationsAreFinished();
+        }
+        queue.waitUntilAllOperationsAreFinished();
+        EXPECT_EQ(queue.operationCount(), 0U);
+    }
 }
 
 TEST(NSOperationQueue, HandsOutTheOperationsOfItsBlocksInTheOrderOfAdding) {

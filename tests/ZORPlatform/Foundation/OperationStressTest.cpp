@@ -3,6 +3,7 @@
 // Many operations with random dependencies, cancelled and added from several threads at once. Seeds are fixed, so that
 // a failure comes back; what the threads make of them is not.
 #include <ZORPlatform/Foundation/NSBlockOperation.h>
+#include <ZORPlatform/Foundation/NSException.h>
 #include <ZORPlatform/Foundation/NSOperationQueue.h>
 
 #include <gtest/gtest.h>
@@ -18,6 +19,7 @@
 namespace {
 
 using ZORPlatform::NSBlockOperation;
+using ZORPlatform::NSException;
 using ZORPlatform::NSOperation;
 using ZORPlatform::NSOperationQueue;
 
@@ -144,6 +146,59 @@ TEST_P(OperationStress, RunsEachBlockAtMostOnceWhoeverAsksForTheOperationsMeanwh
         ran += static_cast<std::size_t>(run);
     }
     EXPECT_GE(ran + cancelled, kBlocks);
+}
+
+/// Ends when it is started, or before that when somebody says so.
+class Endable : public NSOperation {
+public:
+    void start() override { end(); }
+    [[nodiscard]] bool isFinished() const override { return isFinished_; }
+    void end() {
+        if (isEnding_.exchange(true)) return;
+        willChangeValueForKey(kFinishedKey);
+        isFinished_ = true;
+        didChangeValueForKey(kFinishedKey);
+    }
+
+private:
+    std::atomic<bool> isEnding_{false};
+    std::atomic<bool> isFinished_{false};
+};
+
+TEST_P(OperationStress, FinishesOperationsThatAreCancelledOrEndWhileTheyAreBeingAdded) {
+    constexpr std::size_t kRounds = 20'000;
+    const NSOperationQueue queue;
+    queue.setMaxConcurrentOperationCount(GetParam());
+    std::vector<std::shared_ptr<Endable>> operations(kRounds);
+    for (auto& operation : operations) operation = std::make_shared<Endable>();
+    std::atomic<std::size_t> added{0};
+    std::thread interfering([&] {
+        for (std::size_t i = 0; i < kRounds; ++i) {
+            while (added < i) {
+            }
+            if (i % 2 == 0) {
+                operations[i]->cancel();
+            } else {
+                operations[i]->end();
+            }
+        }
+    });
+    for (std::size_t i = 0; i < kRounds; ++i) {
+        added = i;
+        try {
+            queue.addOperation(operations[i]);
+        } catch (const NSException&) {
+            EXPECT_TRUE(operations[i]->isFinished());
+        }
+        if (i % 64 == 0) queue.waitUntilAllOperationsAreFinished();
+    }
+    interfering.join();
+    queue.waitUntilAllOperationsAreFinished();
+    EXPECT_EQ(queue.operationCount(), 0U);
+    for (const auto& operation : operations) {
+        operation->waitUntilFinished();
+        EXPECT_TRUE(operation->isFinished());
+    }
 }
 
 INSTANTIATE_TEST_SUITE_P(OfWidth, OperationStress, testing::Values(1, 2, 8, -1));
