@@ -145,16 +145,23 @@ constexpr std::array<char, 16> kRolls = {0, 63 - '/', 62 - '+', 52 - '0', -'A', 
     return _mm_packus_epi16(load128(text), load128(text + 8));
 }
 
+// The last, shorter step of a text goes back so far that it is a whole one. What it does again comes out the same.
+constexpr std::size_t kGroupsOf256 = 8;
+
 template <typename Unit>
 [[gnu::target("ssse3")]] void encodeSSSE3(const std::uint8_t* bytes, std::size_t groups, Unit* text) {
+    if (groups < kGroupsOf256) return encodePortable(bytes, groups, text);
     const __m128i spreadLow = _mm_setr_epi8(1, 0, 2, 1, 4, 3, 5, 4, 7, 6, 8, 7, 10, 9, 11, 10);
     // The second twelve bytes are loaded from four bytes earlier, so that no load goes beyond the groups.
     const __m128i spreadHigh = _mm_setr_epi8(5, 4, 6, 5, 8, 7, 9, 8, 11, 10, 12, 11, 14, 13, 15, 14);
-    for (; groups >= 8; groups -= 8, bytes += 24, text += 32) {
-        storeCharacters(text, charactersSSSE3(_mm_shuffle_epi8(load128(bytes), spreadLow)));
-        storeCharacters(text + 16, charactersSSSE3(_mm_shuffle_epi8(load128(bytes + 8), spreadHigh)));
-    }
-    encodePortable(bytes, groups, text);
+    const auto encodeAt = [&](std::size_t at) __attribute__((target("ssse3"))) {
+        const std::uint8_t* const in = bytes + 3 * at;
+        storeCharacters(text + 4 * at, charactersSSSE3(_mm_shuffle_epi8(load128(in), spreadLow)));
+        storeCharacters(text + 4 * at + 16, charactersSSSE3(_mm_shuffle_epi8(load128(in + 8), spreadHigh)));
+    };
+    std::size_t done = 0;
+    for (; groups - done >= kGroupsOf256; done += kGroupsOf256) encodeAt(done);
+    if (done != groups) encodeAt(groups - kGroupsOf256);
 }
 
 template <typename Unit>
@@ -205,13 +212,13 @@ template <typename Unit>
 
 template <typename Unit>
 [[gnu::target("avx2")]] void encodeAVX2(const std::uint8_t* bytes, std::size_t groups, Unit* text) {
+    if (groups < kGroupsOf256) return encodePortable(bytes, groups, text);
     const __m256i spread = _mm256_setr_epi8(1, 0, 2, 1, 4, 3, 5, 4, 7, 6, 8, 7, 10, 9, 11, 10,  //
                                             5, 4, 6, 5, 8, 7, 9, 8, 11, 10, 12, 11, 14, 13, 15, 14);
     const __m256i offsets = twice(kOffsets);
-    for (; groups >= 8; groups -= 8, bytes += 24, text += 32) {
-        const __m256i in =
-            _mm256_inserti128_si256(_mm256_castsi128_si256(_mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes))),
-                                    _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes + 8)), 1);
+    const auto encodeAt = [&](std::size_t at) __attribute__((target("avx2"))) {
+        const std::uint8_t* const from = bytes + 3 * at;
+        const __m256i in = _mm256_inserti128_si256(_mm256_castsi128_si256(load128(from)), load128(from + 8), 1);
         const __m256i lanes = _mm256_shuffle_epi8(in, spread);
         const __m256i first =
             _mm256_mulhi_epu16(_mm256_and_si256(lanes, _mm256_set1_epi32(0x0FC0FC00)), _mm256_set1_epi32(0x04000040));
@@ -221,10 +228,12 @@ template <typename Unit>
         const __m256i isUpper = _mm256_cmpgt_epi8(_mm256_set1_epi8(26), values);
         const __m256i index = _mm256_or_si256(_mm256_subs_epu8(values, _mm256_set1_epi8(51)),
                                               _mm256_and_si256(isUpper, _mm256_set1_epi8(13)));
-        storeCharacters(text, _mm256_add_epi8(values, _mm256_shuffle_epi8(offsets, index)));
-    }
+        storeCharacters(text + 4 * at, _mm256_add_epi8(values, _mm256_shuffle_epi8(offsets, index)));
+    };
+    std::size_t done = 0;
+    for (; groups - done >= kGroupsOf256; done += kGroupsOf256) encodeAt(done);
+    if (done != groups) encodeAt(groups - kGroupsOf256);
     _mm256_zeroupper();
-    encodePortable(bytes, groups, text);
 }
 
 template <typename Unit>
@@ -236,27 +245,32 @@ template <typename Unit>
     const __m256i join = _mm256_setr_epi8(2, 1, 0, 6, 5, 4, 10, 9, 8, 14, 13, 12, -1, -1, -1, -1,  //
                                           2, 1, 0, 6, 5, 4, 10, 9, 8, 14, 13, 12, -1, -1, -1, -1);
     const __m256i closeGap = _mm256_setr_epi32(0, 1, 2, 4, 5, 6, 3, 7);
-    std::size_t done = 0;
-    for (; done + 8 <= groups; done += 8, text += 32, bytes += 24) {
-        const __m256i in = loadCharacters256(text);
+    const auto decodeAt = [&](std::size_t at) __attribute__((target("avx2"))) {
+        const __m256i in = loadCharacters256(text + 4 * at);
         const __m256i high = _mm256_and_si256(_mm256_srli_epi32(in, 4), lowHalf);
         const __m256i low = _mm256_and_si256(in, lowHalf);
-        if (_mm256_testz_si256(_mm256_shuffle_epi8(lowHalves, low), _mm256_shuffle_epi8(highHalves, high)) == 0) break;
+        const __m256i oddLow = _mm256_shuffle_epi8(lowHalves, low);
+        if (_mm256_testz_si256(oddLow, _mm256_shuffle_epi8(highHalves, high)) == 0) return false;
         const __m256i isSlash = _mm256_cmpeq_epi8(in, _mm256_set1_epi8('/'));
         const __m256i values = _mm256_add_epi8(in, _mm256_shuffle_epi8(rolls, _mm256_add_epi8(isSlash, high)));
         const __m256i pairs = _mm256_maddubs_epi16(values, _mm256_set1_epi32(0x01400140));
         const __m256i triples = _mm256_madd_epi16(pairs, _mm256_set1_epi32(0x00011000));
         const __m256i joined = _mm256_permutevar8x32_epi32(_mm256_shuffle_epi8(triples, join), closeGap);
-        _mm_storeu_si128(reinterpret_cast<__m128i*>(bytes), _mm256_castsi256_si128(joined));
-        _mm_storel_epi64(reinterpret_cast<__m128i*>(bytes + 16), _mm256_extracti128_si256(joined, 1));
-    }
+        std::uint8_t* const out = bytes + 3 * at;
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(out), _mm256_castsi256_si128(joined));
+        _mm_storel_epi64(reinterpret_cast<__m128i*>(out + 16), _mm256_extracti128_si256(joined, 1));
+        return true;
+    };
+    std::size_t done = 0;
+    while (groups - done >= kGroupsOf256 && decodeAt(done)) done += kGroupsOf256;
+    const std::size_t rest = groups - done;
+    if (done != 0 && rest != 0 && rest < kGroupsOf256 && decodeAt(groups - kGroupsOf256)) done = groups;
     _mm256_zeroupper();
-    return done + decodePortable(text, groups - done, bytes);
+    return done + decodePortable(text + 4 * done, groups - done, bytes + 3 * done);
 }
 
-// With byte permutations across a whole register both tables fit one instruction. The last, shorter step goes back so
-// far that it is a whole one. A mask would do, too, but a masked step occupies all 64 bytes: what lies behind the text,
-// often its result, is then waited for.
+// With byte permutations across a whole register both tables fit one instruction. Instead of the step back a mask would
+// do, too, but a masked step occupies all 64 bytes: what lies behind the text, often its result, is then waited for.
 
 [[gnu::target("avx512bw,avx512vbmi")]] inline void storePacked(char* text, __m512i characters) {
     _mm512_storeu_si512(text, characters);
