@@ -45,18 +45,28 @@ struct Table {
 
 // The tables as `sqlite_schema` shows them. A file with any other is not a store, or not one of this release.
 constexpr std::array kTables{
-    Table{"items",
-          "CREATE TABLE items(row INTEGER PRIMARY KEY AUTOINCREMENT, identity BLOB NOT NULL UNIQUE, "
+    Table{"entries",
+          "CREATE TABLE entries(row INTEGER PRIMARY KEY, identity BLOB NOT NULL UNIQUE, "
           "attributes BLOB NOT NULL, value BLOB NOT NULL) STRICT"},
     Table{"key_check", "CREATE TABLE key_check(mark BLOB NOT NULL) STRICT"},
+    Table{"last_removed", "CREATE TABLE last_removed(row INTEGER NOT NULL) STRICT"},
 };
 
 // Step n makes version n + 1 of version n. A step that a release has had never changes.
-constexpr std::array<const char*, 1> kMigrations{
+constexpr std::array<const char*, 2> kMigrations{
     "CREATE TABLE items(row INTEGER PRIMARY KEY AUTOINCREMENT, identity BLOB NOT NULL UNIQUE, "
     "attributes BLOB NOT NULL, value BLOB NOT NULL) STRICT;"
     "CREATE TABLE key_check(mark BLOB NOT NULL) STRICT;"
     "PRAGMA application_id=1515147849;",
+    // A counter is one more page to write with each row that is added. Only a removed row's number could be given
+    // again, so it is enough to count when one is removed. The table has another name, so that a process of an older
+    // release which has the file open does not go on to add rows in its own way.
+    "CREATE TABLE last_removed(row INTEGER NOT NULL) STRICT;"
+    "INSERT INTO last_removed SELECT ifnull((SELECT seq FROM sqlite_sequence WHERE name='items'), 0);"
+    "CREATE TABLE entries(row INTEGER PRIMARY KEY, identity BLOB NOT NULL UNIQUE, "
+    "attributes BLOB NOT NULL, value BLOB NOT NULL) STRICT;"
+    "INSERT INTO entries SELECT row, identity, attributes, value FROM items;"
+    "DROP TABLE items;",
 };
 static_assert(kApplicationId == 1515147849);
 
@@ -220,7 +230,7 @@ OSStatus SQLiteItemStorage::checkSchema() {
     sqlite3_stmt* prepared = nullptr;
     int result = sqlite3_prepare_v2(connection_.get(),
                                     "SELECT type, name, sql FROM sqlite_schema "
-                                    "WHERE name NOT IN ('sqlite_sequence', 'sqlite_autoindex_items_1')",
+                                    "WHERE name NOT IN ('sqlite_sequence', 'sqlite_autoindex_entries_1')",
                                     -1, &prepared, nullptr);
     const Statement statement(prepared);
     if (result != SQLITE_OK) return statusOf(result);
@@ -238,15 +248,18 @@ OSStatus SQLiteItemStorage::checkSchema() {
 }
 
 OSStatus SQLiteItemStorage::prepare() {
-    const std::array<std::pair<Statement*, const char*>, 11> statements{{
-        {&visitAll_, "SELECT row, identity, attributes, value FROM items"},
-        {&visit_, "SELECT row, identity, attributes, value FROM items WHERE identity>=?1 AND identity<?2"},
-        {&visitRow_, "SELECT row, identity, attributes, value FROM items WHERE row=?1"},
-        {&contains_, "SELECT 1 FROM items WHERE identity=?1"},
-        {&insert_, "INSERT INTO items(identity, attributes, value) VALUES(?1, ?2, ?3)"},
-        {&replace_, "UPDATE items SET attributes=?1, value=?2 WHERE row=?3"},
-        {&replaceWithIdentity_, "UPDATE items SET attributes=?1, value=?2, identity=?4 WHERE row=?3"},
-        {&remove_, "DELETE FROM items WHERE row=?1"},
+    const std::array<std::pair<Statement*, const char*>, 12> statements{{
+        {&visitAll_, "SELECT row, identity, attributes, value FROM entries"},
+        {&visit_, "SELECT row, identity, attributes, value FROM entries WHERE identity>=?1 AND identity<?2"},
+        {&visitRow_, "SELECT row, identity, attributes, value FROM entries WHERE row=?1"},
+        {&contains_, "SELECT 1 FROM entries WHERE identity=?1"},
+        {&insert_,
+         "INSERT INTO entries VALUES(1 + max(ifnull((SELECT max(row) FROM entries), 0), "
+         "ifnull((SELECT max(row) FROM last_removed), 0)), ?1, ?2, ?3)"},
+        {&replace_, "UPDATE entries SET attributes=?1, value=?2 WHERE row=?3"},
+        {&replaceWithIdentity_, "UPDATE entries SET attributes=?1, value=?2, identity=?4 WHERE row=?3"},
+        {&remove_, "DELETE FROM entries WHERE row=?1"},
+        {&noteRemoval_, "UPDATE last_removed SET row=?1 WHERE row<?1"},
         {&begin_, "BEGIN IMMEDIATE"},
         {&commit_, "COMMIT"},
         {&rollback_, "ROLLBACK"},
@@ -380,9 +393,13 @@ OSStatus SQLiteItemStorage::replace(std::int64_t number, std::optional<std::stri
 }
 
 OSStatus SQLiteItemStorage::remove(std::int64_t number) {
-    sqlite3_bind_int64(remove_.get(), 1, number);
-    Run run(remove_.get());
-    return statusOf(run.step());
+    // In this order the number is not given again even if only the first is kept.
+    for (const Statement* statement : {&noteRemoval_, &remove_}) {
+        sqlite3_bind_int64(statement->get(), 1, number);
+        Run run(statement->get());
+        if (const OSStatus status = statusOf(run.step()); status != errSecSuccess) return status;
+    }
+    return errSecSuccess;
 }
 
 OSStatus SQLiteItemStorage::begin() {
@@ -411,8 +428,9 @@ OSStatus SQLiteItemStorage::keyCheck(std::optional<std::string>& mark) {
     mark.reset();
     sqlite3_stmt* prepared = nullptr;
     // One statement, so that both are of one moment.
-    int result = sqlite3_prepare_v2(
-        connection_.get(), "SELECT (SELECT mark FROM key_check), EXISTS(SELECT 1 FROM items)", -1, &prepared, nullptr);
+    int result =
+        sqlite3_prepare_v2(connection_.get(), "SELECT (SELECT mark FROM key_check), EXISTS(SELECT 1 FROM entries)", -1,
+                           &prepared, nullptr);
     const Statement statement(prepared);
     if (result == SQLITE_OK) result = sqlite3_step(statement.get());
     if (result != SQLITE_ROW) return statusOf(result);

@@ -85,6 +85,7 @@ private:
     Statement replace_;
     Statement replaceWithIdentity_;
     Statement remove_;
+    Statement noteRemoval_;
     Statement begin_;
     Statement commit_;
     Statement rollback_;

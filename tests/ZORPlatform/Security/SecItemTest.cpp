@@ -35,6 +35,7 @@ SecItemDictionary password(const char16_t* account) {
     return {{u"class", u"genp"}, {u"svce", u"bank"}, {u"acct", account}};
 }
 const SecItemDictionary kPin = password(u"pin");
+const SecItemDictionary kCard = password(u"card");
 
 OSStatus add(SecItemDictionary item, Data value) {
     item.set(kSecValueData, std::move(value));
@@ -46,6 +47,14 @@ std::optional<Data> valueOf(SecItemDictionary query) {
     SecItemResult result;
     if (SecItemCopyMatching(query, &result) != errSecSuccess) return std::nullopt;
     return *result.as<Data>();
+}
+
+Data referenceOf(SecItemDictionary query) {
+    query.set(kSecReturnPersistentRef, true);
+    SecItemResult result;
+    EXPECT_EQ(SecItemCopyMatching(query, &result), errSecSuccess);
+    const Data* reference = result.as<Data>();
+    return reference != nullptr ? *reference : Data();
 }
 
 class SecItem : public testing::Test {
@@ -328,7 +337,7 @@ TEST_F(SecItem, AChangedValueIsReportedAndTheOthersAreNotTouched) {
     EXPECT_EQ(add(password(u"other"), {2}), errSecSuccess);
     // The last byte is one of the tag's.
     execute(
-        "UPDATE items SET value=CAST(substr(value,1,length(value)-1)||"
+        "UPDATE entries SET value=CAST(substr(value,1,length(value)-1)||"
         "CASE substr(value,-1) WHEN x'00' THEN x'01' ELSE x'00' END AS BLOB) WHERE row=1");
     SecItemDictionary query = kPin;
     for (const std::u16string_view key : {kSecReturnData, kSecReturnAttributes, kSecReturnPersistentRef}) {
@@ -347,7 +356,7 @@ TEST_F(SecItem, AChangedValueIsReportedAndTheOthersAreNotTouched) {
 
 TEST_F(SecItem, AValueThatIsTooShortOrMissingIsReported) {
     EXPECT_EQ(add(kPin, {1}), errSecSuccess);
-    for (const char* sql : {"UPDATE items SET value=x'0011'", "UPDATE items SET value=x''"}) {
+    for (const char* sql : {"UPDATE entries SET value=x'0011'", "UPDATE entries SET value=x''"}) {
         execute(sql);
         EXPECT_EQ(SecItemCopyMatching(kPin), errSecDecode) << sql;
     }
@@ -356,7 +365,7 @@ TEST_F(SecItem, AValueThatIsTooShortOrMissingIsReported) {
 TEST_F(SecItem, AValueMovedToAnotherItemIsReported) {
     EXPECT_EQ(add(kPin, {1}), errSecSuccess);
     EXPECT_EQ(add(password(u"other"), {2}), errSecSuccess);
-    execute("UPDATE items SET value=(SELECT value FROM items WHERE row=2) WHERE row=1");
+    execute("UPDATE entries SET value=(SELECT value FROM entries WHERE row=2) WHERE row=1");
     EXPECT_EQ(SecItemCopyMatching(kPin), errSecDecode);
 }
 
@@ -364,7 +373,7 @@ TEST_F(SecItem, AChangedAttributeIsReported) {
     SecItemDictionary item = kPin;
     item.set(kSecAttrLabel, u"label");
     EXPECT_EQ(add(item, {1}), errSecSuccess);
-    execute("UPDATE items SET attributes=CAST(replace(CAST(attributes AS TEXT),'label','babel') AS BLOB)");
+    execute("UPDATE entries SET attributes=CAST(replace(CAST(attributes AS TEXT),'label','babel') AS BLOB)");
     EXPECT_EQ(SecItemCopyMatching(kPin), errSecDecode);
 }
 
@@ -372,7 +381,7 @@ TEST_F(SecItem, AttributesThatAreNoneAreReportedAndCanBeDeletedByTheirKey) {
     SecItemDictionary item = kPin;
     item.set(kSecAttrGeneric, Data{1});
     EXPECT_EQ(add(item, {1}), errSecSuccess);
-    execute("UPDATE items SET attributes=x'010203'");
+    execute("UPDATE entries SET attributes=x'010203'");
     EXPECT_EQ(SecItemCopyMatching(kPin), errSecDecode);
     EXPECT_EQ(SecItemCopyMatching(item), errSecDecode);
     EXPECT_EQ(SecItemDelete(item), errSecDecode);
@@ -408,15 +417,16 @@ TEST_F(SecItem, AFileOfALaterReleaseIsReportedAndLeftAlone) {
     EXPECT_EQ(add(kPin, {1}), errSecSuccess);
     execute("PRAGMA user_version=1000");
     expectOfEveryCall(errSecDecode);
-    execute("PRAGMA user_version=1");
+    execute("PRAGMA user_version=2");
     EXPECT_EQ(valueOf(kPin), Data{1});
 }
 
 TEST_F(SecItem, AnOlderSchemaIsBroughtUpToDateOnce) {
     EXPECT_EQ(add(kPin, {1}), errSecSuccess);
     SecItemStore::close();
-    const std::array<const char*, 3> migrations{SQLiteItemStorage::migrations()[0], "UPDATE items SET value=x'02'",
-                                                "UPDATE items SET value=x'0203' WHERE value=x'02'"};
+    const auto steps = SQLiteItemStorage::migrations();
+    const std::array<const char*, 4> migrations{steps[0], steps[1], "UPDATE entries SET value=x'02'",
+                                                "UPDATE entries SET value=x'0203' WHERE value=x'02'"};
     for (int round = 0; round < 2; ++round) {
         std::unique_ptr<SQLiteItemStorage> storage;
         ASSERT_EQ(SQLiteItemStorage::open(store(), storage, migrations), errSecSuccess);
@@ -430,15 +440,50 @@ TEST_F(SecItem, AnOlderSchemaIsBroughtUpToDateOnce) {
         EXPECT_EQ(value, "\x02\x03");
     }
     expectOfEveryCall(errSecDecode);  // It is of a later release.
-    execute("PRAGMA user_version=1");
+    execute("PRAGMA user_version=2");
     EXPECT_EQ(SecItemCopyMatching(kPin), errSecDecode) << "the value is what the steps made of it";
+}
+
+TEST_F(SecItem, AStoreOfTheFirstVersionKeepsItsItemsAndTheirNumbers) {
+    EXPECT_EQ(add(kPin, {1}), errSecSuccess);
+    EXPECT_EQ(add(kCard, {2}), errSecSuccess);
+    const Data pin = referenceOf(kPin);
+    const Data card = referenceOf(kCard);
+    SecItemStore::close();
+    // As version 1 had it, with a counter that has come to 9.
+    execute(
+        "BEGIN;"
+        "CREATE TABLE items(row INTEGER PRIMARY KEY AUTOINCREMENT, identity BLOB NOT NULL UNIQUE, "
+        "attributes BLOB NOT NULL, value BLOB NOT NULL) STRICT;"
+        "INSERT INTO items SELECT row, identity, attributes, value FROM entries;"
+        "UPDATE sqlite_sequence SET seq=9 WHERE name='items';"
+        "DROP TABLE entries; DROP TABLE last_removed; PRAGMA user_version=1;"
+        "COMMIT");
+    EXPECT_EQ(valueOf(kPin), Data{1});
+    EXPECT_EQ(valueOf(kCard), Data{2});
+    EXPECT_EQ(referenceOf(kPin), pin);
+    EXPECT_EQ(referenceOf(kCard), card);
+    EXPECT_EQ(SecItemStore::examine().schemaVersion, 2);
+    EXPECT_EQ(SecItemDelete(kCard), errSecSuccess);
+    EXPECT_EQ(add(kCard, {3}), errSecSuccess);
+    Data tenth = card;
+    tenth.back() = 10;
+    EXPECT_EQ(referenceOf(kCard), tenth) << "no number below the counter is given again";
+}
+
+TEST_F(SecItem, ItemsAreAddedThoughTheCounterWasTakenAway) {
+    EXPECT_EQ(add(kPin, {1}), errSecSuccess);
+    execute("DELETE FROM last_removed");
+    EXPECT_EQ(add(kCard, {2}), errSecSuccess);
+    EXPECT_EQ(SecItemDelete(kPin), errSecSuccess);
+    EXPECT_EQ(valueOf(kCard), Data{2});
 }
 
 TEST_F(SecItem, AMigrationThatFailsChangesNothing) {
     EXPECT_EQ(add(kPin, {1}), errSecSuccess);
     SecItemStore::close();
-    const std::array<const char*, 3> migrations{SQLiteItemStorage::migrations()[0], "DELETE FROM items",
-                                                "UPDATE nowhere SET x=1"};
+    const auto steps = SQLiteItemStorage::migrations();
+    const std::array<const char*, 4> migrations{steps[0], steps[1], "DELETE FROM entries", "UPDATE nowhere SET x=1"};
     std::unique_ptr<SQLiteItemStorage> storage;
     EXPECT_EQ(SQLiteItemStorage::open(store(), storage, migrations), errSecDecode);
     EXPECT_EQ(storage, nullptr);
@@ -515,7 +560,7 @@ TEST_F(SecItem, ExaminingASoundStoreFindsNothing) {
     const SecItemStoreReport report = SecItemStore::examine();
     EXPECT_TRUE(report.exists);
     EXPECT_EQ(report.status, errSecSuccess);
-    EXPECT_EQ(report.schemaVersion, 1);
+    EXPECT_EQ(report.schemaVersion, 2);
     EXPECT_EQ(report.items, 4);
     EXPECT_TRUE(report.isSound);
     EXPECT_EQ(report.damagedItems, std::vector<std::string>{});
@@ -525,10 +570,10 @@ TEST_F(SecItem, ExaminingNamesWhatIsDamaged) {
     for (const char16_t* account : {u"a", u"b", u"c", u"d", u"e"})
         EXPECT_EQ(add(password(account), {1}), errSecSuccess);
     execute(
-        "UPDATE items SET value=zeroblob(40) WHERE row=1;"
-        "UPDATE items SET attributes=x'' WHERE row=2;"
-        "UPDATE items SET identity=x'6B657973' WHERE row=3;"
-        "UPDATE items SET identity=x'FF' WHERE row=4;");
+        "UPDATE entries SET value=zeroblob(40) WHERE row=1;"
+        "UPDATE entries SET attributes=x'' WHERE row=2;"
+        "UPDATE entries SET identity=x'6B657973' WHERE row=3;"
+        "UPDATE entries SET identity=x'FF' WHERE row=4;");
     const SecItemStoreReport report = SecItemStore::examine();
     EXPECT_EQ(report.status, errSecSuccess);
     EXPECT_EQ(report.items, 5);
@@ -551,7 +596,7 @@ TEST_F(SecItem, ExaminingSaysWhyAStoreCannotBeOpened) {
 TEST_F(SecItem, TriggersViewsAndForeignTablesAreNotLetIn) {
     EXPECT_EQ(add(kPin, {1}), errSecSuccess);
     const std::array<std::pair<const char*, const char*>, 3> additions{{
-        {"CREATE TRIGGER t AFTER INSERT ON items BEGIN DELETE FROM items; END", "DROP TRIGGER t"},
+        {"CREATE TRIGGER t AFTER INSERT ON entries BEGIN DELETE FROM entries; END", "DROP TRIGGER t"},
         {"CREATE VIEW v AS SELECT 1", "DROP VIEW v"},
         {"CREATE TABLE t(x)", "DROP TABLE t"},
     }};

@@ -143,7 +143,7 @@ TEST_F(KeychainCommand, DoctorNamesFilesModesKeyAndSchema) {
     const std::string key = (store().parent_path() / "items.key").string();
     for (const std::string& line :
          {"directory: " + store().parent_path().string() + ", mode 0700", "store: " + store().string() + ", mode 0600",
-          "key: key file " + key, "key file: " + key + ", mode 0600", std::string("schema: version 1"),
+          "key: key file " + key, "key file: " + key + ", mode 0600", std::string("schema: version 2"),
           std::string("items: 1")}) {
         EXPECT_TRUE(hasLine(result.out, line)) << line << " in\n" << result.out;
     }
@@ -164,7 +164,7 @@ TEST_F(KeychainCommand, DoctorNamesDamagedItemsAndRemoveTakesThem) {
     EXPECT_EQ(keychain({"set", "second"}, value).exitCode, 0);
     sqlite3* connection = nullptr;
     ASSERT_EQ(sqlite3_open(store().c_str(), &connection), SQLITE_OK);
-    EXPECT_EQ(sqlite3_exec(connection, "UPDATE items SET value=zeroblob(length(value)) WHERE row=1", nullptr, nullptr,
+    EXPECT_EQ(sqlite3_exec(connection, "UPDATE entries SET value=zeroblob(length(value)) WHERE row=1", nullptr, nullptr,
                            nullptr),
               SQLITE_OK);
     sqlite3_close(connection);
