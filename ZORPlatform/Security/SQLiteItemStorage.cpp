@@ -276,12 +276,15 @@ OSStatus SQLiteItemStorage::prepare() {
 
 // Mapped already, for the schema has been read, and it stays where it is for as long as the connection does.
 void SQLiteItemStorage::findLogIndex() {
-    sqlite3_file* file = nullptr;
-    if (sqlite3_file_control(connection_.get(), "main", SQLITE_FCNTL_FILE_POINTER, static_cast<void*>(&file)) !=
-            SQLITE_OK ||
-        file->pMethods == nullptr || file->pMethods->iVersion < 2) {
-        return;
-    }
+    const auto fileOf = [this](int which) {
+        sqlite3_file* file = nullptr;
+        sqlite3_file_control(connection_.get(), "main", which, static_cast<void*>(&file));
+        return file != nullptr && file->pMethods != nullptr ? file : nullptr;
+    };
+    // Between changes a journal is open only if it is the log. Without one nobody would unmap what is mapped here.
+    if (fileOf(SQLITE_FCNTL_JOURNAL_POINTER) == nullptr) return;
+    sqlite3_file* const file = fileOf(SQLITE_FCNTL_FILE_POINTER);
+    if (file == nullptr || file->pMethods->iVersion < 2) return;
     volatile void* region = nullptr;
     if (file->pMethods->xShmMap(file, 0, kLogIndexRegionBytes, /*extend=*/0, &region) != SQLITE_OK) return;
     // What makes the accesses volatile here is that they are atomic.
