@@ -114,7 +114,12 @@ std::string_view column(sqlite3_stmt* statement, int position) {
 class Run {
 public:
     explicit Run(sqlite3_stmt* statement) : statement_(statement) {}
-    ~Run() { sqlite3_reset(statement_); }
+    ~Run() {
+        const int result = sqlite3_reset(statement_);
+        // SQLite checks the cells of a page only where it reads the page from the file, and keeps a damaged one:
+        // without this the next statement would trust it, and a change could write over the cells of other rows.
+        if ((result & 0xFF) == SQLITE_CORRUPT) sqlite3_db_release_memory(sqlite3_db_handle(statement_));
+    }
     Run(const Run&) = delete;
     Run& operator=(const Run&) = delete;
 

@@ -7,6 +7,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <numeric>
 #include <optional>
 #include <random>
 #include <span>
@@ -127,6 +128,21 @@ inline std::u16string dirtyBase64(std::size_t units, unsigned dirtyIn, unsigned 
         if (random() % dirtyIn == 0) text += std::u16string_view(u"\r\n -_.\t")[random() % 7];
     }
     return text;
+}
+
+/// The texts that `encode` makes of up to 69 bytes, with a character that is none of theirs at each place.
+template <class Encode>
+std::vector<std::u16string> base64WithStrays(const Encode& encode) {
+    std::vector<std::u16string> texts;
+    for (std::size_t length = 0; length < 70; ++length) {
+        std::vector<std::uint8_t> bytes(length);
+        std::iota(bytes.begin(), bytes.end(), std::uint8_t{0xA0});
+        const std::u16string text = encode(bytes);
+        for (const char16_t stray : std::u16string_view(u"=\n-\u0141")) {
+            for (std::size_t at = 0; at < text.size(); ++at) texts.emplace_back(text)[at] = stray;
+        }
+    }
+    return texts;
 }
 
 }  // namespace support

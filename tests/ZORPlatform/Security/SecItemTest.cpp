@@ -388,6 +388,27 @@ TEST_F(SecItem, AttributesThatAreNoneAreReportedAndCanBeDeletedByTheirKey) {
     EXPECT_EQ(SecItemDelete(kPin), errSecSuccess);
 }
 
+TEST_F(SecItem, APageWhoseCellsAreOutOfPlaceIsReportedEachTime) {
+    for (const char16_t* account : {u"a", u"b", u"c"}) EXPECT_EQ(add(password(account), {1}), errSecSuccess);
+    SecItemStore::close();
+    // The offset of the second of its cells stands at byte 10 of a page of a table.
+    constexpr std::size_t kPageBytes = 4096;
+    constexpr std::uint8_t kLeafOfTable = 13;
+    std::vector<std::uint8_t> bytes = support::readFile(store());
+    for (std::size_t page = kPageBytes; page < bytes.size(); page += kPageBytes) {
+        if (bytes[page] == kLeafOfTable && bytes[page + 4] == 3) bytes[page + 10] ^= 0x20;
+    }
+    support::writeFile(store(), bytes);
+    for (int time = 0; time < 3; ++time) {
+        EXPECT_EQ(SecItemCopyMatching(password(u"a")), errSecDecode);
+        EXPECT_EQ(SecItemUpdate(password(u"a"), {{u"v_Data", Data(100)}}), errSecDecode);
+        EXPECT_EQ(SecItemDelete(password(u"a")), errSecDecode);
+        EXPECT_EQ(add(password(u"d"), {1}), errSecDecode);
+    }
+    SecItemStore::close();
+    EXPECT_EQ(support::readFile(store()), bytes);
+}
+
 TEST_F(SecItem, ItemsWhoseKeyMarkWasTakenAwayAreReported) {
     EXPECT_EQ(add(kPin, {1}), errSecSuccess);
     execute("DELETE FROM key_check");
