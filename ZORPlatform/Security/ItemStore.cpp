@@ -421,10 +421,15 @@ OSStatus ItemStore::add(const SecItemDictionary& attributes, SecItemResult* resu
     // A value that is no key is found out before it is stored, not behind it.
     if (item.wanted.reference && !referenceOfItem(item.itemClass->name, value)) return errSecDecode;
     // Adding is the first step of replacing: an item that is there costs neither a sealing nor a change begun in vain.
-    bool isDuplicate = false;
-    status = storage_->contains(identity, isDuplicate);
-    if (status == errSecSuccess && isDuplicate) status = errSecDuplicateItem;
-    if (status != errSecSuccess) return status;
+    // To ask takes time as well, so it is not done for an item that has not been met.
+    auto hasBeenMet = met_[std::hash<std::string_view>()(identity) % met_.size()];
+    if (hasBeenMet) {
+        bool isThere = false;
+        status = storage_->contains(identity, isThere);
+        if (status == errSecSuccess && isThere) status = errSecDuplicateItem;
+        if (status != errSecSuccess) return status;
+    }
+    hasBeenMet = true;
     const std::string encodedAttributes = item.attributes.encoded();
     const auto sealed = sealing_.seal(identity, encodedAttributes, value);
     if (!sealed) return errSecParam;

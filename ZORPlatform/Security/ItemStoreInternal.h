@@ -8,6 +8,7 @@
 #include <ZORPlatform/Security/SecItemDictionary.h>
 #include <ZORPlatform/Security/SecItemStore.h>
 
+#include <bitset>
 #include <filesystem>
 #include <memory>
 #include <optional>
@@ -40,6 +41,8 @@ private:
 
     std::unique_ptr<ItemStorage> storage_;
     ItemSealing sealing_;
+    /// By the hash of the identity: whether an item has been added here, or was to be, and so may well be there.
+    std::bitset<std::size_t{1} << 14> met_;
 };
 
 }  // namespace ZORPlatform

@@ -49,7 +49,6 @@ constexpr std::array kTables{
           "CREATE TABLE entries(row INTEGER PRIMARY KEY, identity BLOB NOT NULL UNIQUE, "
           "attributes BLOB NOT NULL, value BLOB NOT NULL) STRICT"},
     Table{"key_check", "CREATE TABLE key_check(mark BLOB NOT NULL) STRICT"},
-    Table{"last_removed", "CREATE TABLE last_removed(row INTEGER NOT NULL) STRICT"},
 };
 
 // Step n makes version n + 1 of version n. A step that a release has had never changes.
@@ -58,14 +57,14 @@ constexpr std::array<const char*, 2> kMigrations{
     "attributes BLOB NOT NULL, value BLOB NOT NULL) STRICT;"
     "CREATE TABLE key_check(mark BLOB NOT NULL) STRICT;"
     "PRAGMA application_id=1515147849;",
-    // A counter is one more page to write with each row that is added. Only a removed row's number could be given
-    // again, so it is enough to count when one is removed. The table has another name, so that a process of an older
-    // release which has the file open does not go on to add rows in its own way.
-    "CREATE TABLE last_removed(row INTEGER NOT NULL) STRICT;"
-    "INSERT INTO last_removed SELECT ifnull((SELECT seq FROM sqlite_sequence WHERE name='items'), 0);"
+    // A counter is one more page to write with each row that is added. Only the highest number could be given again, so
+    // it is enough that its row stays, empty, when it is removed. The table has another name, so that a process of an
+    // older release which has the file open does not go on to add rows in its own way.
     "CREATE TABLE entries(row INTEGER PRIMARY KEY, identity BLOB NOT NULL UNIQUE, "
     "attributes BLOB NOT NULL, value BLOB NOT NULL) STRICT;"
     "INSERT INTO entries SELECT row, identity, attributes, value FROM items;"
+    "INSERT INTO entries SELECT seq, x'', x'', x'' FROM sqlite_sequence "
+    "WHERE name='items' AND seq>ifnull((SELECT max(row) FROM items), 0);"
     "DROP TABLE items;",
 };
 static_assert(kApplicationId == 1515147849);
@@ -254,17 +253,17 @@ OSStatus SQLiteItemStorage::checkSchema() {
 
 OSStatus SQLiteItemStorage::prepare() {
     const std::array<std::pair<Statement*, const char*>, 12> statements{{
-        {&visitAll_, "SELECT row, identity, attributes, value FROM entries"},
+        {&visitAll_, "SELECT row, identity, attributes, value FROM entries WHERE +identity<>x''"},
         {&visit_, "SELECT row, identity, attributes, value FROM entries WHERE identity>=?1 AND identity<?2"},
-        {&visitRow_, "SELECT row, identity, attributes, value FROM entries WHERE row=?1"},
+        {&visitRow_, "SELECT row, identity, attributes, value FROM entries WHERE row=?1 AND +identity<>x''"},
         {&contains_, "SELECT 1 FROM entries WHERE identity=?1"},
-        {&insert_,
-         "INSERT INTO entries VALUES(1 + max(ifnull((SELECT max(row) FROM entries), 0), "
-         "ifnull((SELECT max(row) FROM last_removed), 0)), ?1, ?2, ?3)"},
+        {&insert_, "INSERT INTO entries VALUES(NULL, ?1, ?2, ?3)"},
         {&replace_, "UPDATE entries SET attributes=?1, value=?2 WHERE row=?3"},
         {&replaceWithIdentity_, "UPDATE entries SET attributes=?1, value=?2, identity=?4 WHERE row=?3"},
         {&remove_, "DELETE FROM entries WHERE row=?1"},
-        {&noteRemoval_, "UPDATE last_removed SET row=?1 WHERE row<?1"},
+        {&removeHighest_,
+         "UPDATE OR REPLACE entries SET identity=x'', attributes=x'', value=x'' "
+         "WHERE row=?1 AND row=(SELECT max(row) FROM entries)"},
         {&begin_, "BEGIN IMMEDIATE"},
         {&commit_, "COMMIT"},
         {&rollback_, "ROLLBACK"},
@@ -401,11 +400,11 @@ OSStatus SQLiteItemStorage::replace(std::int64_t number, std::optional<std::stri
 }
 
 OSStatus SQLiteItemStorage::remove(std::int64_t number) {
-    // In this order the number is not given again even if only the first is kept.
-    for (const Statement* statement : {&noteRemoval_, &remove_}) {
+    for (const Statement* statement : {&removeHighest_, &remove_}) {
         sqlite3_bind_int64(statement->get(), 1, number);
         Run run(statement->get());
         if (const OSStatus status = statusOf(run.step()); status != errSecSuccess) return status;
+        if (sqlite3_changes(connection_.get()) != 0) break;
     }
     return errSecSuccess;
 }
@@ -436,9 +435,9 @@ OSStatus SQLiteItemStorage::keyCheck(std::optional<std::string>& mark) {
     mark.reset();
     sqlite3_stmt* prepared = nullptr;
     // One statement, so that both are of one moment.
-    int result =
-        sqlite3_prepare_v2(connection_.get(), "SELECT (SELECT mark FROM key_check), EXISTS(SELECT 1 FROM entries)", -1,
-                           &prepared, nullptr);
+    int result = sqlite3_prepare_v2(
+        connection_.get(), "SELECT (SELECT mark FROM key_check), EXISTS(SELECT 1 FROM entries WHERE identity>x'')", -1,
+        &prepared, nullptr);
     const Statement statement(prepared);
     if (result == SQLITE_OK) result = sqlite3_step(statement.get());
     if (result != SQLITE_ROW) return statusOf(result);

@@ -84,8 +84,8 @@ private:
     Statement insert_;
     Statement replace_;
     Statement replaceWithIdentity_;
+    Statement removeHighest_;
     Statement remove_;
-    Statement noteRemoval_;
     Statement begin_;
     Statement commit_;
     Statement rollback_;

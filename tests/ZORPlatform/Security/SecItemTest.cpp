@@ -82,6 +82,19 @@ protected:
         sqlite3_close(connection);
     }
 
+    /// What a query finds in the closed store.
+    [[nodiscard]] int countOf(const char* sql) const {
+        sqlite3* connection = nullptr;
+        EXPECT_EQ(sqlite3_open(store().c_str(), &connection), SQLITE_OK);
+        sqlite3_stmt* statement = nullptr;
+        EXPECT_EQ(sqlite3_prepare_v2(connection, sql, -1, &statement, nullptr), SQLITE_OK);
+        EXPECT_EQ(sqlite3_step(statement), SQLITE_ROW);
+        const int count = sqlite3_column_int(statement, 0);
+        sqlite3_finalize(statement);
+        sqlite3_close(connection);
+        return count;
+    }
+
     static void expectOfEveryCall(OSStatus status) {
         EXPECT_EQ(add(password(u"new"), {1}), status);
         EXPECT_EQ(SecItemCopyMatching(kPin), status);
@@ -158,6 +171,15 @@ TEST_F(SecItem, ItemsAreThereAfterTheStoreWasClosed) {
     SecItemStore::close();
     EXPECT_EQ(valueOf(kPin), (Data{1, 2, 3}));
     EXPECT_EQ(support::readFile(keyFile()), key);
+}
+
+TEST_F(SecItem, AnItemThatIsThereIsADuplicateForAStoreThatHasJustBeenOpened) {
+    EXPECT_EQ(add(kPin, {1}), errSecSuccess);
+    SecItemStore::close();
+    for (int time = 0; time < 2; ++time) EXPECT_EQ(add(kPin, {2}), errSecDuplicateItem);
+    EXPECT_EQ(valueOf(kPin), Data{1});
+    EXPECT_EQ(SecItemDelete(kPin), errSecSuccess);
+    EXPECT_EQ(add(kPin, {3}), errSecSuccess);
 }
 
 TEST_F(SecItem, TwoStoresHaveDifferentKeys) {
@@ -478,7 +500,7 @@ TEST_F(SecItem, AStoreOfTheFirstVersionKeepsItsItemsAndTheirNumbers) {
         "attributes BLOB NOT NULL, value BLOB NOT NULL) STRICT;"
         "INSERT INTO items SELECT row, identity, attributes, value FROM entries;"
         "UPDATE sqlite_sequence SET seq=9 WHERE name='items';"
-        "DROP TABLE entries; DROP TABLE last_removed; PRAGMA user_version=1;"
+        "DROP TABLE entries; PRAGMA user_version=1;"
         "COMMIT");
     EXPECT_EQ(valueOf(kPin), Data{1});
     EXPECT_EQ(valueOf(kCard), Data{2});
@@ -492,12 +514,44 @@ TEST_F(SecItem, AStoreOfTheFirstVersionKeepsItsItemsAndTheirNumbers) {
     EXPECT_EQ(referenceOf(kCard), tenth) << "no number below the counter is given again";
 }
 
-TEST_F(SecItem, ItemsAreAddedThoughTheCounterWasTakenAway) {
-    EXPECT_EQ(add(kPin, {1}), errSecSuccess);
-    execute("DELETE FROM last_removed");
-    EXPECT_EQ(add(kCard, {2}), errSecSuccess);
-    EXPECT_EQ(SecItemDelete(kPin), errSecSuccess);
-    EXPECT_EQ(valueOf(kCard), Data{2});
+TEST_F(SecItem, TheHighestNumberThatWasRemovedKeepsOnePlaceAndNobodySeesIt) {
+    const auto insert = [](SQLiteItemStorage& storage, std::string_view identity) {
+        std::int64_t number = 0;
+        EXPECT_EQ(storage.insert(identity, "attributes", "sealed", number), errSecSuccess);
+        return number;
+    };
+    const auto visible = [](SQLiteItemStorage& storage) {
+        std::vector<std::int64_t> numbers;
+        const auto visitor = [&numbers](const ItemRow& row) {
+            numbers.push_back(row.number);
+            return errSecSuccess;
+        };
+        EXPECT_EQ(storage.visit({}, visitor), errSecSuccess);
+        for (std::int64_t number = 0; number < 10; ++number) {
+            EXPECT_EQ(storage.visitRow(number, visitor), errSecSuccess);
+        }
+        return numbers;
+    };
+    using Numbers = std::vector<std::int64_t>;
+    std::unique_ptr<SQLiteItemStorage> storage;
+    ASSERT_EQ(SQLiteItemStorage::open(store(), storage), errSecSuccess);
+    EXPECT_EQ(insert(*storage, "a"), 1);
+    EXPECT_EQ(insert(*storage, "b"), 2);
+    EXPECT_EQ(storage->remove(2), errSecSuccess);
+    EXPECT_EQ(visible(*storage), (Numbers{1, 1}));
+    EXPECT_EQ(insert(*storage, "b"), 3);
+    EXPECT_EQ(storage->remove(1), errSecSuccess);
+    EXPECT_EQ(storage->remove(3), errSecSuccess);
+    EXPECT_EQ(visible(*storage), Numbers{});
+    std::optional<std::string> mark = "";
+    EXPECT_EQ(storage->keyCheck(mark), errSecSuccess) << "a place is no item that misses its key";
+    EXPECT_EQ(mark, std::nullopt);
+    EXPECT_EQ(insert(*storage, "c"), 4);
+    EXPECT_EQ(visible(*storage), (Numbers{4, 4}));
+    storage.reset();
+    EXPECT_EQ(countOf("SELECT count(*) FROM entries WHERE identity=x''"), 1);
+    EXPECT_TRUE(holds(store(), "cattributessealed"));
+    EXPECT_FALSE(holds(store(), "battributessealed")) << "what was removed is overwritten";
 }
 
 TEST_F(SecItem, AMigrationThatFailsChangesNothing) {
