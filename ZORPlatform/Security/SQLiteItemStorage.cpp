@@ -210,9 +210,10 @@ OSStatus SQLiteItemStorage::migrate(Migrations steps) {
     const int current = static_cast<int>(steps.size());
     int version = 0;
     OSStatus status = readNumber("PRAGMA user_version", version);
-    if (status != errSecSuccess || version == current) return status;
+    if (status == errSecSuccess && version == current) return errSecSuccess;
 
-    status = execute("BEGIN IMMEDIATE");
+    if (status == errSecSuccess) status = checkBeforeChange();
+    if (status == errSecSuccess) status = execute("BEGIN IMMEDIATE");
     if (status != errSecSuccess) return status;
     // Again, for another process may have been here first.
     status = readNumber("PRAGMA user_version", version);
@@ -377,8 +378,19 @@ OSStatus SQLiteItemStorage::contains(std::string_view identity, bool& isThere) {
     return statusOf(result);
 }
 
+// SQLite does not see all damage of a page that it writes to, and a change could move the cells of other rows over each
+// other. So a damaged file is only read. Once for each connection: a sound file stays so whoever of them writes to it.
+OSStatus SQLiteItemStorage::checkBeforeChange() {
+    if (isSound_) return errSecSuccess;
+    const OSStatus status = runCheck("PRAGMA quick_check(1)", isSound_);
+    if (status != errSecSuccess || isSound_) return status;
+    sqlite3_db_release_memory(connection_.get());
+    return errSecDecode;
+}
+
 OSStatus SQLiteItemStorage::insert(std::string_view identity, std::string_view attributes, std::string_view sealed,
                                    std::int64_t& number) {
+    if (const OSStatus status = checkBeforeChange(); status != errSecSuccess) return status;
     bindBytes(insert_.get(), 1, identity);
     bindBytes(insert_.get(), 2, attributes);
     bindBytes(insert_.get(), 3, sealed);
@@ -410,6 +422,7 @@ OSStatus SQLiteItemStorage::remove(std::int64_t number) {
 }
 
 OSStatus SQLiteItemStorage::begin() {
+    if (const OSStatus status = checkBeforeChange(); status != errSecSuccess) return status;
     Run run(begin_.get());
     return statusOf(run.step());
 }
@@ -459,9 +472,11 @@ OSStatus SQLiteItemStorage::setKeyCheck(std::string_view mark) {
     return statusOf(result);
 }
 
-OSStatus SQLiteItemStorage::check(bool& isSound) {
+OSStatus SQLiteItemStorage::check(bool& isSound) { return runCheck("PRAGMA integrity_check(1)", isSound); }
+
+OSStatus SQLiteItemStorage::runCheck(const char* sql, bool& isSound) {
     sqlite3_stmt* prepared = nullptr;
-    int result = sqlite3_prepare_v2(connection_.get(), "PRAGMA integrity_check(1)", -1, &prepared, nullptr);
+    int result = sqlite3_prepare_v2(connection_.get(), sql, -1, &prepared, nullptr);
     const Statement statement(prepared);
     if (result == SQLITE_OK) result = sqlite3_step(statement.get());
     isSound = result == SQLITE_ROW && column(statement.get(), 0) == "ok";

@@ -73,6 +73,8 @@ private:
     [[nodiscard]] OSStatus readNumber(const char* sql, int& number);
     [[nodiscard]] OSStatus visitRows(sqlite3_stmt* statement, const Visitor& visitor);
     [[nodiscard]] std::optional<CommittedRows::State> committedState() const noexcept;
+    [[nodiscard]] OSStatus runCheck(const char* sql, bool& isSound);
+    [[nodiscard]] OSStatus checkBeforeChange();
     static int waitForOthers(void* self, int attempt);
 
     // The statements end before the connection does.
@@ -90,6 +92,7 @@ private:
     Statement commit_;
     Statement rollback_;
     Clock::time_point waitingSince_;
+    bool isSound_ = false;
     std::uint32_t* logIndex_ = nullptr;  ///< The connection's.
     CommittedRows committed_;
     std::string end_;  ///< Of what a visit goes through. Kept for its memory.

@@ -95,11 +95,26 @@ protected:
         return count;
     }
 
-    static void expectOfEveryCall(OSStatus status) {
+    /// Changes a byte of each page of the closed store that has three rows of a table. @return the store's bytes
+    [[nodiscard]] std::vector<std::uint8_t> changePagesOfThreeRows(std::size_t at, std::uint8_t bits) const {
+        constexpr std::size_t kPageBytes = 4096;
+        constexpr std::uint8_t kLeafOfTable = 13;
+        SecItemStore::close();
+        std::vector<std::uint8_t> bytes = support::readFile(store());
+        for (std::size_t page = kPageBytes; page < bytes.size(); page += kPageBytes) {
+            if (bytes[page] == kLeafOfTable && bytes[page + 4] == 3) bytes[page + at] ^= bits;
+        }
+        support::writeFile(store(), bytes);
+        return bytes;
+    }
+
+    static void expectOfEveryCall(OSStatus status) { expectOfEveryCall(kPin, status); }
+
+    static void expectOfEveryCall(const SecItemDictionary& item, OSStatus status) {
         EXPECT_EQ(add(password(u"new"), {1}), status);
-        EXPECT_EQ(SecItemCopyMatching(kPin), status);
-        EXPECT_EQ(SecItemUpdate(kPin, {{u"v_Data", Data{9}}}), status);
-        EXPECT_EQ(SecItemDelete(kPin), status);
+        EXPECT_EQ(SecItemCopyMatching(item), status);
+        EXPECT_EQ(SecItemUpdate(item, {{u"v_Data", Data{9}}}), status);
+        EXPECT_EQ(SecItemDelete(item), status);
     }
 
 private:
@@ -410,23 +425,28 @@ TEST_F(SecItem, AttributesThatAreNoneAreReportedAndCanBeDeletedByTheirKey) {
     EXPECT_EQ(SecItemDelete(kPin), errSecSuccess);
 }
 
+// The page of a table that has three rows has the offset of its second one at byte 10.
 TEST_F(SecItem, APageWhoseCellsAreOutOfPlaceIsReportedEachTime) {
     for (const char16_t* account : {u"a", u"b", u"c"}) EXPECT_EQ(add(password(account), {1}), errSecSuccess);
+    const std::vector<std::uint8_t> bytes = changePagesOfThreeRows(10, 0x20);
+    for (int time = 0; time < 3; ++time) expectOfEveryCall(password(u"a"), errSecDecode);
     SecItemStore::close();
-    // The offset of the second of its cells stands at byte 10 of a page of a table.
-    constexpr std::size_t kPageBytes = 4096;
-    constexpr std::uint8_t kLeafOfTable = 13;
-    std::vector<std::uint8_t> bytes = support::readFile(store());
-    for (std::size_t page = kPageBytes; page < bytes.size(); page += kPageBytes) {
-        if (bytes[page] == kLeafOfTable && bytes[page + 4] == 3) bytes[page + 10] ^= 0x20;
-    }
-    support::writeFile(store(), bytes);
+    EXPECT_EQ(support::readFile(store()), bytes);
+}
+
+// SQLite reads a page that says at byte 5 that its rows begin too far behind, and would write over them.
+TEST_F(SecItem, AStoreInWhichAChangeWouldLoseRowsIsOnlyRead) {
+    for (const char16_t* account : {u"a", u"b", u"c"}) EXPECT_EQ(add(password(account), {1}), errSecSuccess);
+    const std::vector<std::uint8_t> bytes = changePagesOfThreeRows(5, 0x01);
     for (int time = 0; time < 3; ++time) {
-        EXPECT_EQ(SecItemCopyMatching(password(u"a")), errSecDecode);
-        EXPECT_EQ(SecItemUpdate(password(u"a"), {{u"v_Data", Data(100)}}), errSecDecode);
-        EXPECT_EQ(SecItemDelete(password(u"a")), errSecDecode);
+        for (const char16_t* account : {u"a", u"b", u"c"}) {
+            EXPECT_EQ(valueOf(password(account)), Data{1});
+            EXPECT_EQ(SecItemUpdate(password(account), {{u"v_Data", Data(100)}}), errSecDecode);
+            EXPECT_EQ(SecItemDelete(password(account)), errSecDecode);
+        }
         EXPECT_EQ(add(password(u"d"), {1}), errSecDecode);
     }
+    EXPECT_FALSE(SecItemStore::examine().isSound);
     SecItemStore::close();
     EXPECT_EQ(support::readFile(store()), bytes);
 }
